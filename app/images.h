@@ -1,0 +1,29 @@
+// app/images.h - the loaded image and the two images derived from it.
+//
+// image:     the loaded bitmap, imagewidth x imageheight, row 0 at the bottom.
+// bwimage:   one byte per pixel, same indexing: 0 black, 255 white. A pixel is
+//            black when r*r + g*g + b*b < 16384.
+// viewimage: the screen copy, windowwidth x windowheight, image reduced by the
+//            power of two `scale` to fit three quarters of the screen; alpha
+//            0. Made only when not quiet.
+#pragma once
+
+#include "bitmap/pixels.h"
+
+extern BitmapPixel *image;
+extern unsigned char *bwimage;
+extern BitmapPixel *viewimage;
+
+// Asks the window system for the screen size; set by the interactive shell
+// (tests may set their own). While null the screen counts as unlimited.
+extern void (*images_screensize)(int *width, int *height);
+
+// Reads a TGA file into image (and its size into options). 1 on success, when
+// filename becomes name; 0 after writing why to standard error.
+int LoadTGA(const char *name);
+// Replaces image by the blank white 400 x 300 "No Image"; exit -1 when it
+// cannot be allocated.
+void MakeTestImage(void);
+// Rebuilds bwimage and (not quiet) viewimage, window size and scale; resets
+// the region unless one was given; resets the analysis. Returns BoxCount(0).
+int UpdateImages(void);

@@ -1,0 +1,54 @@
+// app/results.cpp - the results table.
+#include "app/results.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+#include "app/boxcount.h"
+#include "app/options.h"
+
+const char *(*results_choosefile)(const char *prompt) = nullptr;
+
+void WriteResults(FILE *out)
+{
+    for (int i = 0; i < nresults; i++)
+        results[i].done = results[i].size > 0 && results[i].count > 0 ? 0 : 1;
+    for (int i = 0; i < nresults; i++) {
+        if (results[i].done) continue;
+        double m = 1e32;
+        for (int j = i; j < nresults; j++) {
+            if (results[j].done || results[j].size != results[i].size) continue;
+            if (results[j].count < m) m = results[j].count;
+            results[j].done = 1;
+        }
+        fprintf(out, "%d %g %g %g\n", results[i].size, m, log(1.0 / results[i].size), log(m));
+    }
+}
+
+void SaveResults(void)
+{
+    if (nresults < 4) return;
+    if (options.quiet) {
+        WriteResults(stdout);
+        return;
+    }
+    const char *chosen = results_choosefile ? results_choosefile("Results file") : nullptr;
+    if (!chosen || !*chosen) return;
+
+    char name[256];
+    if (strlen(chosen) >= sizeof name) {
+        fprintf(stderr, "Results file name too long (%zu characters, at most %zu)\n",
+                strlen(chosen), sizeof name - 1);
+        return;
+    }
+    snprintf(name, sizeof name, "%s", chosen);
+    FILE *f = fopen(name, "w");
+    if (!f) {
+        fprintf(stderr, "Failed to open results file \"%s\": %s\n", name, strerror(errno));
+        return;
+    }
+    WriteResults(f);
+    if (fclose(f) != 0)
+        fprintf(stderr, "Failed to write results file \"%s\": %s\n", name, strerror(errno));
+}

@@ -1,0 +1,16 @@
+// app/results.h - the results table: one line per distinct box size,
+// "%d %g %g %g": size, smallest count over the passes, ln(1/size), ln(count).
+#pragma once
+
+#include <cstdio>
+
+// Asks the user for the file to save into; set by the interactive shell.
+// Returns null or "" when cancelled.
+extern const char *(*results_choosefile)(const char *prompt);
+
+// Writes the table to out. Entries with a zero count take no part.
+void WriteResults(FILE *out);
+// Nothing for fewer than 4 results entries. Quiet: the table to standard
+// output. Otherwise to a file the user chooses; a cancelled choice writes
+// nothing, a file that cannot be opened is reported on standard error.
+void SaveResults(void);

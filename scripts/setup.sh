@@ -1,0 +1,22 @@
+#!/bin/sh
+# Installs what building and testing Quorl needs on a Debian machine.
+# Run as root (or through sudo). Packages already present are left alone.
+set -e
+
+PKGS="build-essential cmake pkg-config libgtest-dev googletest \
+freeglut3-dev libgl-dev libglu1-mesa-dev libforms-dev \
+imagemagick netpbm libtiff-tools ghostscript faketime \
+xvfb xdotool x11-utils python3-numpy"
+
+missing=""
+for p in $PKGS; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+
+if [ -n "$missing" ]; then
+    echo "Installing:$missing"
+    SUDO=""
+    [ "$(id -u)" -ne 0 ] && SUDO=sudo
+    $SUDO apt-get update
+    DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y --no-install-recommends $missing
+fi
