@@ -9,3 +9,4 @@
 #include "bitmap/pixels.h"
 #include "bitmap/resample.h"
 #include "bitmap/tga.h"
+#include "bitmap/writer.h"
