@@ -92,7 +92,7 @@ void tga_header(FILE *f, int nx, int ny, int type, int bits)
     bm_put8(f, 0);      // ID length
     bm_put8(f, 0);      // colour map type
     bm_put8(f, (std::uint32_t)type);
-    bm_putzeros(f, 9);  // colour map specification, x and y origin
+    bm_putzeros(f, 9);  // colour map fields, x and y origin
     bm_put16le(f, (std::uint32_t)nx);
     bm_put16le(f, (std::uint32_t)ny);
     bm_put8(f, (std::uint32_t)bits);
