@@ -12,7 +12,9 @@
 // Uniform cubic B-spline over a fixed 4x4 footprint (smooths, does not
 // interpolate).
 void BiCubicScale(const BitmapPixel *src, int nx, int ny, BitmapPixel *dst, int mx, int my);
-// The cubic B-spline weight: 2/3 at 0, 1/6 at +-1, 0 beyond +-2.
+// The cubic B-spline weight: 2/3 at 0, 1/6 at +-1, 0 at +-2 and below -2.
+// Defined by the four-term sum, which is meant for -2 < t <= 2 (the scaler
+// never asks beyond); above 2 the sum is no longer zero.
 double BiCubicR(double t);
 // Gaussian of width sigma over +-4 sigma, normalised analytically by
 // 1/(2 pi sigma^2) rather than by the sum of the weights used; sigma 0 gives a

@@ -1,0 +1,85 @@
+#!/usr/bin/python3
+"""Bad input files in quiet mode: each gives its message on standard error,
+nothing on standard output, exit status 255, and never crashes or hangs."""
+import os
+import shutil
+import struct
+import sys
+
+sys.path.insert(0, os.path.dirname(__file__))
+from harness import check, equal, finish, run, workdir  # noqa: E402
+
+prog = sys.argv[1]
+tmp = workdir()
+
+
+def header(imagetype=2, bits=24, width=4, height=3, maptype=0, maplen=0, mapbits=0, idlen=0):
+    return struct.pack("<BBBHHBHHHHBB", idlen, maptype, imagetype, 0, maplen, mapbits, 0, 0,
+                       width, height, bits, 0)
+
+
+def write(name, data):
+    path = os.path.join(tmp, name)
+    with open(path, "wb") as f:
+        f.write(data)
+    return path
+
+
+READ_FAILED = "   Image read failed\n"
+cases = [
+    # id, file contents (None: no such file), last line of standard error
+    ("bad-1.1 missing", None, None),
+    ("bad-1.2 empty", b"", READ_FAILED),
+    ("bad-1.3 text", b"this is not an image at all\n" * 4, READ_FAILED),
+    ("bad-1.4 truncated pixels", header() + bytes(20), READ_FAILED),
+    ("bad-1.5 truncated header", header()[:11], READ_FAILED),
+    ("bad-1.6 run-length colour map type", header(imagetype=9, bits=8), READ_FAILED),
+    ("bad-1.7 15-bit depth", header(bits=15) + bytes(24), READ_FAILED),
+    ("bad-1.8 colour map type 2", header(maptype=2) + bytes(36), READ_FAILED),
+    ("bad-1.9 truncated colour map", header(imagetype=1, bits=8, maptype=1, maplen=50, mapbits=24) + bytes(30),
+     READ_FAILED),
+    ("bad-1.10 truncated raw packet", header(imagetype=10) + bytes([0x05, 1, 2, 3, 4, 5, 6]), READ_FAILED),
+    ("bad-1.11 huge image", header(width=65535, height=65535) + bytes(10), "   Failed to create image\n"),
+    ("bad-1.12 run past the end", header(imagetype=10) + bytes([0xFF, 9, 9, 9]) * 3, None),  # reads fine
+    ("bad-1.13 directory", "DIR", READ_FAILED),
+]
+for cid, data, last in cases:
+    if data is None and last is None and "missing" in cid:
+        path = os.path.join(tmp, "no-such-file.tga")
+        last = 'Failed to open file "%s"\n' % path
+    elif data == "DIR":
+        path = os.path.join(tmp, "a-directory.tga")
+        os.mkdir(path)
+    else:
+        path = write(cid.split()[0] + ".tga", data)
+    # -b1: an automatic start size on a region under 5 pixels would be 0
+    status, out, err = run(prog, "-q", "-i", path, "-b1", "2", timeout=30)
+    if last is None:  # a well-formed run-length file whose packets overrun: read and cut
+        check(cid, status == 0 and "Estimated fractal dimension" in out, f"{status} {out!r} {err!r}")
+        continue
+    equal(cid, (status, out, err.splitlines(True)[-1:]), (255, "", [last]))
+
+# Names too long for the 256-character buffers are refused with a message.
+longname = os.path.join(tmp, "n" * 300 + ".tga")
+status, out, err = run(prog, "-q", "-i", longname)
+check("bad-2.1 long name", status == 255 and out == "" and "File name too long" in err, err)
+
+# "-i" as the last word names nothing: the blank image is analysed.
+status, out, err = run(prog, "-q", "-i")
+equal("bad-2.2 trailing -i", (status, out), (0, "Estimated fractal dimension:  0.000\n"))
+
+# A seeded stream of damaged headers and bodies: no crash, no hang.
+import random  # noqa: E402
+rng = random.Random(4242)
+good = header(imagetype=10, width=8, height=8) + bytes([0x87, 0, 0, 0, 0x07] + [255] * 24) * 8
+for k in range(60):
+    data = bytearray(good)
+    for _ in range(rng.randint(1, 6)):
+        data[rng.randrange(len(data))] = rng.randrange(256)
+    data = data[:rng.randint(0, len(data))]
+    path = write("fuzz.tga", bytes(data))
+    status, out, err = run(prog, "-q", "-i", path, "-b1", "4", "-b2", "2", "-n", "1", timeout=30)
+    check("bad-3.%d damaged file" % k, status in (0, 255), f"status {status}: {err[-200:]!r}")
+
+shutil.rmtree(tmp)
+finish()
