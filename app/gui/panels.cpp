@@ -32,6 +32,20 @@ FL_OBJECT *add_input(int x, int y, const char *label)
     return ob;
 }
 
+// A panel closed from its window frame is hidden as its Hide button would
+// hide it; left to XForms, that close would end the whole program.
+int close_optionsform(FL_FORM *, void *)
+{
+    optionsformvisible = 0;
+    return FL_OK;
+}
+
+int close_graphform(FL_FORM *, void *)
+{
+    graphformvisible = 0;
+    return FL_OK;
+}
+
 // Reads a changed input into the settings and shows what was stored.
 void accept_input(FL_OBJECT *input, OptionField field)
 {
@@ -69,6 +83,7 @@ FD_optionsform *create_form_optionsform(void)
 
     fl_end_form();
     fdui->form->fdui = fdui;
+    fl_set_form_atclose(fdui->form, close_optionsform, nullptr);
     return fdui;
 }
 
@@ -126,6 +141,7 @@ FD_graphform *create_form_graphform(void)
 
     fl_end_form();
     fdui->form->fdui = fdui;
+    fl_set_form_atclose(fdui->form, close_graphform, nullptr);
     return fdui;
 }
 

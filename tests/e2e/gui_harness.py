@@ -11,6 +11,8 @@ other problem is a failure. With QUORL_E2E_SHOTS=<dir> the screenshots a
 test saves with Program.save() are kept there as PNG files for a look.
 """
 import atexit
+import ctypes
+import ctypes.util
 import os
 import re
 import shutil
@@ -249,6 +251,39 @@ class Session:
     def wait_gone(self, name=None, size=None, timeout=10):
         wait_until(lambda: not self.find(name, size), timeout,
                    "window %s to close" % (name if name is not None else size))
+
+    def wm_close(self, wid):
+        """Asks a window to close as a window manager's close button does
+        (WM_DELETE_WINDOW); the test server has no window manager."""
+        class ClientMessage(ctypes.Structure):
+            _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong),
+                        ("send_event", ctypes.c_int), ("display", ctypes.c_void_p),
+                        ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                        ("format", ctypes.c_int), ("data", ctypes.c_long * 5)]
+
+        class Event(ctypes.Union):
+            _fields_ = [("xclient", ClientMessage), ("pad", ctypes.c_long * 24)]
+
+        x11 = ctypes.CDLL(ctypes.util.find_library("X11"))
+        x11.XOpenDisplay.restype = ctypes.c_void_p
+        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
+        x11.XInternAtom.restype = ctypes.c_ulong
+        x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+        x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long,
+                                   ctypes.POINTER(Event)]
+        x11.XFlush.argtypes = x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        dpy = x11.XOpenDisplay(self.display.encode())
+        if not dpy:
+            raise TestFailure("cannot open %s" % self.display)
+        ev = Event()
+        ev.xclient.type = 33  # ClientMessage
+        ev.xclient.window = int(wid, 16)
+        ev.xclient.message_type = x11.XInternAtom(dpy, b"WM_PROTOCOLS", 0)
+        ev.xclient.format = 32
+        ev.xclient.data[0] = x11.XInternAtom(dpy, b"WM_DELETE_WINDOW", 0)
+        x11.XSendEvent(dpy, int(wid, 16), 0, 0, ctypes.byref(ev))
+        x11.XFlush(dpy)
+        x11.XCloseDisplay(dpy)
 
     def screenshot(self):
         ppm = subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"],

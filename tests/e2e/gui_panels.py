@@ -122,6 +122,20 @@ def test(s, quorl):
     s.click(graph[2] + hx, graph[3] + hy)
     s.wait_gone("", GRAPH_SIZE)
     check(s.find("", OPTIONS_SIZE) is not None, "the graph's Hide hides only the graph")
+
+    # Closing a panel from its window frame hides it; the program goes on
+    # and the menu shows it again.
+    for key, size in (("o", OPTIONS_SIZE), ("g", GRAPH_SIZE)):
+        p.key(key)
+        panel = s.wait_window("", size)
+        s.wm_close(panel[0])
+        s.wait_gone("", size)
+        mark = p.progress_count()
+        wait_until(lambda: p.progress_count() > mark, 5, "the analysis to go on")
+        p.key(key)
+        s.wait_window("", size)
+        check(p.proc.poll() is None, "closing the %s panel's window hides it; the program goes on"
+              % ("options" if key == "o" else "graph"))
     p.key("Escape")
     p.wait_exit()
 
