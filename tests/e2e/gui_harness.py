@@ -45,6 +45,15 @@ class TestFailure(Exception):
     pass
 
 
+def _die_with_parent():
+    """Run in the child before exec: if the test itself is killed, the server
+    and the program it started are ended too."""
+    try:
+        ctypes.CDLL(None).prctl(1, signal.SIGTERM)  # PR_SET_PDEATHSIG
+    except (OSError, AttributeError):
+        pass
+
+
 def skip(reason):
     print("SKIP: " + reason)
     sys.exit(77)
@@ -171,7 +180,7 @@ class Session:
             self.xvfb = subprocess.Popen(
                 ["Xvfb", "-displayfd", str(wfd), "-screen", "0", "%dx%dx24" % (SCREEN_W, SCREEN_H),
                  "+extension", "GLX", "-nolisten", "tcp", "-noreset"],
-                pass_fds=(wfd,), stdout=log, stderr=log)
+                pass_fds=(wfd,), stdout=log, stderr=log, preexec_fn=_die_with_parent)
         except OSError as e:
             skip("cannot run Xvfb: %s" % e)
         os.close(wfd)
@@ -367,7 +376,8 @@ class Program:
         e.update(env or {})
         with open(self.errpath, "w") as err, open(self.outpath, "w") as out:
             self.proc = subprocess.Popen(list(prefix) + [program] + list(args), env=e,
-                                         stdout=out, stderr=err, stdin=subprocess.DEVNULL)
+                                         stdout=out, stderr=err, stdin=subprocess.DEVNULL,
+                                         preexec_fn=_die_with_parent)
         self.win = None
 
     def kill(self):
