@@ -42,9 +42,9 @@ def test(s, quorl):
     for name, text in (("start", "33"), ("end", "3"), ("factor", "1.5")):
         s.fill_input(form, OPTIONS_FIELDS[name], "")     # empty, then the reference text
         s.fill_input(form, OPTIONS_FIELDS[name], text)
-        ref = wait_until(lambda: _settled(s, form, name), 5, "the %s field" % name)
-        check(ref.crop(field_rect(form, name)) == shown.crop(field_rect(form, name)),
-              "panel opens showing %s = %s from the command line" % (name, text))
+        what = "panel opens showing %s = %s from the command line" % (name, text)
+        wait_until(lambda: _settled(s, form, name, shown.crop(field_rect(form, name))), 5, what)
+        check(True, what)
     p.key("Escape")
     p.wait_exit()
 
@@ -70,9 +70,9 @@ def test(s, quorl):
 
     # The last entries left samples 4, start automatic, end 7, factor 1.25;
     # now set the lower bounds through the panel and run the analysis.
-    for name, typed in (("samples", "0"), ("end", "0"), ("factor", "1")):
+    for name, typed, want in (("samples", "0", "1"), ("end", "0", "2"), ("factor", "1", "1.1")):
         s.fill_input(form, OPTIONS_FIELDS[name], typed)
-    time.sleep(0.3)
+        wait_until(lambda: _settled(s, form, name, refs[(name, want)]), 5, "the %s field" % name)
     p.key("p")
     fin = p.wait_line(r"^Processing finished", timeout=60)
     grids = [l for l in p.lines()[:fin] if "Box size:" in l]
@@ -162,12 +162,18 @@ def _form_rect(form, rect):
 
 
 def _settled(s, form, name, expect=None):
-    """A screenshot once the field shows expect (or anything, if None)."""
-    time.sleep(0.05)
+    """A screenshot once the field has lost the text cursor (its Return was
+    handled) and shows the picture expect, or, when expect is None, the same
+    picture twice in a row."""
+    rect = field_rect(form, name)
     shot = s.screenshot()
-    if expect is None or shot.crop(field_rect(form, name)) == expect:
-        return shot
-    return None
+    if shot.count(rect, lambda px: px == (0, 0, 255)):   # the cursor is pure blue
+        return None
+    if expect is not None:
+        return shot if shot.crop(rect) == expect else None
+    time.sleep(0.1)
+    again = s.screenshot()
+    return again if again.crop(rect) == shot.crop(rect) else None
 
 
 main(test)
