@@ -17,11 +17,13 @@ import os
 import re
 import shutil
 import signal
-import struct
 import subprocess
 import sys
 import tempfile
 import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from tgafile import rgb_image  # noqa: E402
 
 SCREEN_W, SCREEN_H = 1280, 1024
 MAIN_MENU = ["Open new TGA file", "Invert image (i)", "Options (o)", "Processing",
@@ -84,19 +86,7 @@ def center(rect):
 
 # ---------------------------------------------------------------- images
 
-def write_tga(path, width, height, pixel):
-    """Uncompressed 24-bit TGA, bottom row first; pixel(x, y) -> (r, g, b)
-    with y counted upward from the bottom row."""
-    rows = []
-    for y in range(height):
-        row = bytearray()
-        for x in range(width):
-            r, g, b = pixel(x, y)
-            row += bytes((b, g, r))
-        rows.append(bytes(row))
-    with open(path, "wb") as f:
-        f.write(struct.pack("<BBBHHBHHHHBB", 0, 0, 2, 0, 0, 0, 0, 0, width, height, 24, 0))
-        f.write(b"".join(rows))
+write_tga = rgb_image  # pixel(x, y) -> (r, g, b), y up from the bottom row
 
 
 def write_halves(path, width, height):

@@ -19,6 +19,11 @@ def tga(path, width, height, pixels, kind="rgb", descriptor=0, imagetype=None, b
         f.write(data)
 
 
+def rgb_image(path, width, height, pixel):
+    """A 24-bit image; pixel(x, y) gives (r, g, b), y counted up from the bottom row."""
+    tga(path, width, height, [[pixel(x, y) for x in range(width)] for y in range(height)])
+
+
 def image(path, width, height, black):
     """A grey image, black where black(x, y) holds, white elsewhere."""
     tga(path, width, height,
