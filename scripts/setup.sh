@@ -6,7 +6,7 @@ set -e
 PKGS="build-essential cmake pkg-config libgtest-dev googletest \
 freeglut3-dev libgl-dev libglu1-mesa-dev libforms-dev \
 imagemagick netpbm libtiff-tools ghostscript faketime \
-xvfb xdotool x11-utils python3-numpy"
+xvfb xdotool x11-utils python3-numpy python3-scipy python3-ezdxf sox"
 
 missing=""
 for p in $PKGS; do

@@ -1,0 +1,2 @@
+// util/audio.h - AIFF, AU and WAVE sample writers.
+#pragma once

@@ -1,0 +1,2 @@
+// util/complexq.cpp - complex numbers and quaternions.
+#include "util/complexq.h"

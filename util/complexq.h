@@ -1,0 +1,2 @@
+// util/complexq.h - complex numbers and quaternions.
+#pragma once

@@ -1,0 +1,2 @@
+// util/curves.cpp - splines and Bezier curves.
+#include "util/curves.h"

@@ -1,0 +1,2 @@
+// util/curves.h - splines and Bezier curves.
+#pragma once

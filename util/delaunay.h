@@ -1,0 +1,2 @@
+// util/delaunay.h - Delaunay triangulation of points in the plane.
+#pragma once

@@ -1,0 +1,2 @@
+// util/dxf.cpp - DXF and Radiance facet writers.
+#include "util/dxf.h"

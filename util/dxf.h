@@ -1,0 +1,2 @@
+// util/dxf.h - DXF and Radiance facet writers.
+#pragma once

@@ -1,0 +1,2 @@
+// util/fourier.cpp - Fourier transforms and correlation.
+#include "util/fourier.h"

@@ -1,0 +1,2 @@
+// util/fourier.h - Fourier transforms and correlation.
+#pragma once

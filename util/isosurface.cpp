@@ -1,0 +1,2 @@
+// util/isosurface.cpp - isosurface polygonisation of volume cells and facetted spheres.
+#include "util/isosurface.h"

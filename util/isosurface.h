@@ -1,0 +1,2 @@
+// util/isosurface.h - isosurface polygonisation of volume cells and facetted spheres.
+#pragma once

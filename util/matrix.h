@@ -1,0 +1,2 @@
+// util/matrix.h - determinants, inverses, linear systems and matrix output.
+#pragma once

@@ -1,0 +1,2 @@
+// util/random.h - seeded uniform, Gaussian and integer random number generators.
+#pragma once

@@ -1,0 +1,2 @@
+// util/rle.cpp - byte run-length codec.
+#include "util/rle.h"

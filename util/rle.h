@@ -1,0 +1,2 @@
+// util/rle.h - byte run-length codec.
+#pragma once
