@@ -6,7 +6,8 @@ set -e
 PKGS="build-essential cmake pkg-config libgtest-dev googletest \
 freeglut3-dev libgl-dev libglu1-mesa-dev libforms-dev \
 imagemagick netpbm libtiff-tools ghostscript faketime \
-xvfb xdotool x11-utils python3-numpy python3-scipy python3-ezdxf sox"
+xvfb xdotool x11-utils python3-numpy python3-scipy python3-ezdxf sox \
+clang libclang-rt-14-dev cppcheck clang-tidy mandoc groff-base dpkg-dev"
 
 missing=""
 for p in $PKGS; do
