@@ -1,0 +1,145 @@
+// Complex numbers and quaternions: known values, identities, the standard
+// library's complex functions as a reference, and the established quirks.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+
+#include "util/complexq.h"
+
+namespace {
+
+using Std = std::complex<double>;
+
+void expect_near(const char *id, Complex got, Complex want, double tol = 1e-12)
+{
+    EXPECT_NEAR(got.real, want.real, tol) << id;
+    EXPECT_NEAR(got.imag, want.imag, tol) << id;
+}
+
+void expect_near(const char *id, Quaternion got, Quaternion want, double tol = 1e-12)
+{
+    EXPECT_NEAR(got.w, want.w, tol) << id;
+    EXPECT_NEAR(got.x, want.x, tol) << id;
+    EXPECT_NEAR(got.y, want.y, tol) << id;
+    EXPECT_NEAR(got.z, want.z, tol) << id;
+}
+
+// Points off the axes and away from the branch cuts, in all four quadrants.
+const Complex k_points[] = {{0.3, 0.4}, {-0.7, 0.2}, {1.5, -0.8}, {-2.0, -1.2},
+                            {0.1, -0.05}, {2.5, 3.0}, {-0.4, -2.0}};
+
+}  // namespace
+
+TEST(Complex, ArithmeticAndSpecialCases)
+{
+    expect_near("cx-1.1", Cdiv({1, 0}, {0, 0}), {0, 0});
+    expect_near("cx-1.2", Cdiv({1, 1}, {1, -1}), {0, 1});
+    expect_near("cx-1.3", Cdiv({0, 0}, {2, 3}), {0, 0});
+    expect_near("cx-1.4", Cdiv({3, 4}, {0, 2}), {2, -1.5});  // |v| > |u| branch
+    expect_near("cx-1.5", Cdivd({3, 4}, 0), {0, 0});
+    expect_near("cx-1.6", Cdivd({3, 4}, 2), {1.5, 2});
+    expect_near("cx-1.7", Cinv({0, 0}), {0, 0});
+    expect_near("cx-1.8", Cinv({0, 2}), {0, -0.5});
+    expect_near("cx-1.9", Cmult({1, 2}, {3, -1}), {5, 5});
+    EXPECT_EQ(Cabs({3, 4}), 5.0);
+    EXPECT_EQ(Cabs({0, -2}), 2.0);
+    EXPECT_NEAR(Cabs({3e200, 4e200}), 5e200, 1e188);  // no overflow in the squares
+    expect_near("cx-2.1", Csqrt({-4, 0}), {0, 2});
+    expect_near("cx-2.2", Cpowd({0, 2}, 2), {-4, 0});
+    expect_near("cx-2.3", Cpowd({1, 1}, 0.5), Csqrt({1, 1}));
+    const Complex l0 = Clog({0, 0});
+    EXPECT_TRUE(std::isinf(l0.real) && l0.real < 0);
+    EXPECT_NEAR(l0.imag, -M_PI_2, 1e-15);
+    expect_near("cx-2.4", Clog({-1, 0}), {0, M_PI});
+    expect_near("cx-2.5", Clog({0, -2}), {log(2.0), -M_PI_2});
+}
+
+TEST(Complex, FunctionsMatchStandardLibrary)
+{
+    static const struct { const char *id; Complex (*f)(Complex); Std (*ref)(Std); } fns[] = {
+        {"exp", Cexp, [](Std z) { return std::exp(z); }},
+        {"log", Clog, [](Std z) { return std::log(z); }},
+        {"sqrt", Csqrt, [](Std z) { return std::sqrt(z); }},
+        {"sin", Csin, [](Std z) { return std::sin(z); }},
+        {"cos", Ccos, [](Std z) { return std::cos(z); }},
+        {"tan", Ctan, [](Std z) { return std::tan(z); }},
+        {"sinh", Csinh, [](Std z) { return std::sinh(z); }},
+        {"cosh", Ccosh, [](Std z) { return std::cosh(z); }},
+        {"tanh", Ctanh, [](Std z) { return std::tanh(z); }},
+        {"atanh", Catanh, [](Std z) { return std::atanh(z); }},
+        {"asin", Casin, [](Std z) { return std::asin(z); }},
+        {"acos", Cacos, [](Std z) { return std::acos(z); }},
+        {"atan", Catan, [](Std z) { return std::atan(z); }},
+        {"acosh", Cacosh, [](Std z) { return std::acosh(z); }},
+    };
+    for (const auto &f : fns)
+        for (const Complex z : k_points) {
+            // The inverse functions follow their own branches: asin and acos
+            // hold in the upper half plane, atan inside the unit circle,
+            // acosh in the right half plane.
+            const std::string name = f.id;
+            if ((name == "asin" || name == "acos") && z.imag < 0) continue;
+            if (name == "atan" && Cabs(z) >= 1) continue;
+            if (name == "acosh" && z.real < 0) continue;
+            const Std want = f.ref(Std(z.real, z.imag));
+            expect_near(f.id, f.f(z), {want.real(), want.imag()}, 1e-13 * (1 + std::abs(want)));
+        }
+    // Real arguments take the real functions.
+    expect_near("real-1.1", Casin({0.5, 0}), {asin(0.5), 0});
+    expect_near("real-1.2", Ctanh({0.5, 0}), {tanh(0.5), 0});
+    expect_near("real-1.3", Catan({3, 0}), {atan(3.0), 0});
+}
+
+TEST(Complex, Identities)
+{
+    for (const Complex z : k_points) {
+        expect_near("exp-log", Cexp(Clog(z)), z);
+        expect_near("sqrt^2", Cmult(Csqrt(z), Csqrt(z)), z);
+        expect_near("div-mult", Cmult(Cdiv(z, {0.7, -1.9}), {0.7, -1.9}), z);
+        expect_near("inv", Cmult(Cinv(z), z), {1, 0});
+        expect_near("sin-asin", Csin(Casin({z.real, fabs(z.imag)})), {z.real, fabs(z.imag)});
+        expect_near("tanh-atanh", Ctanh(Catanh(z)), z);
+    }
+}
+
+TEST(Complex, EstablishedQuirks)
+{
+    // Casinh adds y to the real part: asinh(i) would be (0, pi/2).
+    expect_near("asinh-1.1", Casinh({0, 1}), {0, 0});
+    expect_near("asinh-1.2", Casinh({0.5, 0.5}), {0.7147014716250629, 0.11915873090493305});
+    expect_near("asinh-1.3", Casinh({1, 0}), {asinh(1.0), 0});
+    // Catan's real part is held within +-pi/4: atan(1.5 - 0.8i) has real
+    // part 1.0664915353474629, which is pi/2 away.
+    expect_near("atan-1.1", Catan({1.5, -0.8}), {1.0664915353474629 - M_PI_2, -0.21859410948882277});
+}
+
+TEST(Quaternion, Algebra)
+{
+    const Quaternion i = {0, 1, 0, 0}, j = {0, 0, 1, 0}, k = {0, 0, 0, 1}, one = {1, 0, 0, 0};
+    const Quaternion zero = {0, 0, 0, 0};
+    expect_near("q-1.1", Qmult(i, j), k);
+    expect_near("q-1.2", Qmult(j, i), {0, 0, 0, -1});
+    expect_near("q-1.3", Qmult(k, k), {-1, 0, 0, 0});
+    expect_near("q-1.4", Qinv(zero), zero);
+    expect_near("q-1.5", Qdiv(i, zero), zero);
+    expect_near("q-1.6", Qsub(Qadd(i, j), j), i);
+    expect_near("q-1.7", Qconj({1, 2, 3, 4}), {1, -2, -3, -4});
+    EXPECT_EQ(Qmod({1, 2, 2, 4}), 5.0);
+
+    const Quaternion qs[] = {{1, 2, 3, 4}, {-0.5, 0.1, 0, 2}, {0, 0, -3, 0}, {7, 0, 0, 0}};
+    for (const Quaternion p : qs)
+        for (const Quaternion q : qs) {
+            expect_near("q-2.1", Qmult(q, Qinv(q)), one);
+            expect_near("q-2.2", Qdiv(q, q), one);
+            expect_near("q-2.3", Qmult(Qdiv(p, q), q), p);  // inverse on the right
+            EXPECT_NEAR(Qmod(Qmult(p, q)), Qmod(p) * Qmod(q), 1e-12) << "q-2.4";
+        }
+
+    // exp(pi * i) = -1; exp of a real quaternion is real.
+    expect_near("q-3.1", Qexp({0, M_PI, 0, 0}), {-1, 0, 0, 0});
+    expect_near("q-3.2", Qexp({1, 0, 0, 0}), {M_E, 0, 0, 0});
+    // On the plane spanned by 1 and i it agrees with the complex exponential.
+    const Complex e = Cexp({0.3, 1.1});
+    expect_near("q-3.3", Qexp({0.3, 1.1, 0, 0}), {e.real, e.imag, 0, 0});
+}
