@@ -1,0 +1,241 @@
+// tests/test_colour.cpp - colour maps and conversions.
+//
+// Focus: every map at its ends and breakpoints (and linear between them), the
+// range rules of GetColour, the hue conversions against Python's colorsys on a
+// grid, the two YCC coefficient sets, and the small helpers. Case ids print on
+// failure.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <sstream>
+#include <string>
+
+#include "util/colour.h"
+
+namespace {
+
+void expect_rgb(ColourRGB got, double r, double g, double b, const std::string &id, double tol = 1e-12)
+{
+    EXPECT_NEAR(got.r, r, tol) << id;
+    EXPECT_NEAR(got.g, g, tol) << id;
+    EXPECT_NEAR(got.b, b, tol) << id;
+}
+
+constexpr double K(double x) { return x / 255.0; }
+constexpr double T = 1.0 / 3, TT = 2.0 / 3, S = 1.0 / 6;
+
+// Each map at f = 0, its breakpoints and 1, in order.
+const struct { int type; double f, r, g, b; } k_stops[] = {
+    {1, 0, 0, 0, 1}, {1, .25, 0, 1, 1}, {1, .5, 0, 1, 0}, {1, .75, 1, 1, 0}, {1, 1, 1, 0, 0},
+    {2, 0, 0, 0, 1}, {2, 1, 1, 0, 0},
+    {3, 0, 0, 0, 0}, {3, 1, 1, 1, 1},
+    {4, 0, 1, 0, 0}, {4, S, 1, 1, 0}, {4, T, 0, 1, 0}, {4, .5, 0, 1, 1}, {4, TT, 0, 0, 1},
+    {4, 5 * S, 1, 0, 1}, {4, 1, 1, 0, 0},
+    {5, 0, 0, 1, 0}, {5, 1, 1, 1, 0},
+    {6, 0, 0, 1, 0}, {6, 1, 1, 0, 1},
+    {7, 0, 0, 0, 1}, {7, .25, 0, 1, 0}, {7, .5, 1, 0, 0}, {7, .75, 0, 1, 0}, {7, 1, 0, 0, 1},
+    {8, 0, 0, 0, 0}, {8, .5, 1, 1, 1}, {8, 1, 0, 0, 0},
+    {9, 0, 1, 0, 0}, {9, T, 0, 0, 1}, {9, TT, 0, 1, 1}, {9, 1, 1, 0, 1},
+    {10, 0, 0, 0, 1}, {10, .2, 0, 1, 1}, {10, .4, 0, 1, 0}, {10, .6, 1, 1, 0}, {10, .8, 1, 0, 0},
+    {10, 1, 1, 1, 1},
+    {11, 0, K(200), K(60), 0}, {11, 1, K(250), K(160), K(110)},
+    {12, 0, K(55), K(55), K(45)}, {12, .4, K(235), K(90), K(30)}, {12, 1, K(250), K(160), K(110)},
+    {13, 0, 0, 1, 0}, {13, .3, 1, K(150), 0}, {13, 1, 1, K(250), K(240)},
+    {14, 0, 1, 1, 0}, {14, 1, 1, 0, 0},
+    {15, 0, 0, 0, 1}, {15, .25, 0, 1, 1}, {15, .5, 0, 1, 0}, {15, .75, 1, 1, 0}, {15, 1, 1, 1, 1},
+    {16, 0, 0, 0, 1}, {16, .5, 0, 1, 0}, {16, 1, 1, 0, 0},
+    {17, 0, 1, 1, 0}, {17, .5, 1, 0, 1}, {17, 1, 0, 1, 1},
+    {18, 0, 0, 0, 1}, {18, 1, 0, 1, 1},
+    {19, 0, 0, 0, 1}, {19, 1, 1, 1, 1},
+    {20, 0, 0, K(160), 0}, {20, .3, K(180), K(220), 0}, {20, 1, K(250), K(220), K(170)},
+    {21, 0, 1, 1, K(200)}, {21, 1, K(150), K(150), 1},
+    {22, 0, 1, 1, 0}, {22, 1, 0, 0, 1},
+    {23, 0, 1, 0, 0}, {23, .5, 1, 1, 1}, {23, 1, 0, 0, 1},
+    {24, 0, 0, 0, 1}, {24, .5, 1, 1, 0}, {24, 1, 1, 0, 0},
+    {25, 0, 0, 0, 1}, {25, T, 0, 1, 1}, {25, TT, 1, 0, 1}, {25, 1, 1, 0, 0},
+    {26, 0, 0, 1, 0}, {26, .5, 1, 1, 0}, {26, 1, 0, 1, 0},
+    {27, 0, 0, 0, 0}, {27, .5, 1, 0, 0}, {27, 1, 1, 1, 1},
+    {28, 0, 0, 0, 0}, {28, .5, 0, 1, 0}, {28, 1, 1, 1, 1},
+    {29, 0, 0, 0, 0}, {29, .5, 0, 0, 1}, {29, 1, 1, 1, 1},
+    {30, 0, 1, 0, 0}, {30, S, 1, 1, 0}, {30, T, 0, 1, 0}, {30, .5, 0, 1, 1}, {30, TT, 0, 0, 1},
+    {30, 5 * S, 1, 0, 1}, {30, 1, 1, 0, 0},
+    {31, 0, 1, 0, 0}, {31, 1. / 12, 1, .65, 0}, {31, 2. / 12, 1, 1, 0}, {31, 3. / 12, .65, 1, 0},
+    {31, 4. / 12, 0, 1, 0}, {31, 5. / 12, 0, 1, .65}, {31, 6. / 12, 0, 1, 1},
+    {31, 7. / 12, 0, .65, 1}, {31, 8. / 12, 0, 0, 1}, {31, 9. / 12, .65, 0, 1},
+    {31, 10. / 12, 1, 0, 1}, {31, 11. / 12, 1, 0, .65}, {31, 1, 1, 0, 0},
+    {32, 0, 0, 1, 1}, {32, .5, 1, 1, 0}, {32, 1, 1, 1, 1},
+    {33, 0, 0, 0, 0}, {33, .5, 0, 0, 1}, {33, 1, 1, 0, 0},
+};
+
+}  // namespace
+
+TEST(colour_maps, EveryMapAtItsStopsAndLinearBetween)
+{
+    const int n = (int)(sizeof k_stops / sizeof k_stops[0]);
+    bool seen[34] = {};
+    for (int i = 0; i < n; i++) {
+        const auto &c = k_stops[i];
+        seen[c.type] = true;
+        const std::string id = "map-" + std::to_string(c.type) + " f=" + std::to_string(c.f);
+        expect_rgb(GetColour(c.f, 0, 1, c.type), c.r, c.g, c.b, id);
+        // Halfway to the next stop the colour is the mean of the two.
+        if (i + 1 < n && k_stops[i + 1].type == c.type) {
+            const auto &d = k_stops[i + 1];
+            expect_rgb(GetColour((c.f + d.f) / 2, 0, 1, c.type), (c.r + d.r) / 2, (c.g + d.g) / 2,
+                       (c.b + d.b) / 2, id + " mid", 1e-9);
+        }
+    }
+    for (int t = 1; t <= 33; t++) EXPECT_TRUE(seen[t]) << "map " << t << " has no cases";
+}
+
+TEST(colour_maps, RangeRules)
+{
+    expect_rgb(GetColour(5, 5, 5, 3), 0.5, 0.5, 0.5, "range-1.1 empty range widened to 4..6");
+    expect_rgb(GetColour(0.3, 1, 0, 1), 0, 1, 0.8, "range-1.2 reversed range");
+    expect_rgb(GetColour(0.3, 0, 1, 1), 0, 1, 0.8, "range-1.3 ordered range");
+    expect_rgb(GetColour(-7, 0, 1, 3), 0, 0, 0, "range-1.4 below clamps to 0");
+    expect_rgb(GetColour(99, 0, 1, 3), 1, 1, 1, "range-1.5 above clamps to 1");
+    expect_rgb(GetColour(15, 10, 20, 8), 1, 1, 1, "range-1.6 offset range");
+    expect_rgb(GetColour(NAN, 0, 1, 3), 0, 0, 0, "range-1.7 NaN takes the low end");
+    for (int t : {0, 34, -1, 1000}) expect_rgb(GetColour(0.3, 0, 1, t), 1, 1, 1, "range-2 type " + std::to_string(t));
+    // Just below a breakpoint stays on the earlier segment.
+    expect_rgb(GetColour(0.25 - 1e-12, 0, 1, 1), 0, 1, 1, "range-3.1", 1e-9);
+}
+
+// ---- SECTION conversions ------------------------------------------------------
+
+TEST(colour_convert, AgainstPythonColorsys)
+{
+    if (access("/usr/bin/python3", X_OK) != 0) GTEST_SKIP() << "/usr/bin/python3 is not installed";
+    FILE *p = popen("/usr/bin/python3 " QUORL_COLORSYS_GRID, "r");
+    ASSERT_TRUE(p);
+    std::string text;
+    for (int ch; (ch = fgetc(p)) != EOF;) text += (char)ch;
+    ASSERT_EQ(pclose(p), 0);
+
+    std::istringstream in(text);
+    std::string tag;
+    double a[3], w[3];
+    int counts[4] = {};
+    while (in >> tag >> a[0] >> a[1] >> a[2] >> w[0] >> w[1] >> w[2]) {
+        const std::string id = tag + " " + std::to_string(a[0]) + " " + std::to_string(a[1]) + " " +
+                               std::to_string(a[2]);
+        if (tag == "F" || tag == "L") {
+            const ColourRGB c = {a[0], a[1], a[2]};
+            double got[3];
+            if (tag == "F") {
+                const ColourHSV h = RGB2HSV(c);
+                got[0] = h.h, got[1] = h.s, got[2] = h.v;
+            } else {
+                const ColourHSL h = RGB2HSL(c);
+                got[0] = h.h, got[1] = h.s, got[2] = h.l;
+            }
+            const double dh = fabs(got[0] - w[0]);
+            EXPECT_LT(fmin(dh, fabs(dh - 360)), 1e-9) << id << " hue " << got[0] << " want " << w[0];
+            EXPECT_NEAR(got[1], w[1], 1e-9) << id;
+            EXPECT_NEAR(got[2], w[2], 1e-9) << id;
+            counts[tag == "F" ? 0 : 1]++;
+        } else {
+            const ColourRGB got = tag == "V" ? HSV2RGB({a[0], a[1], a[2]}) : HSL2RGB({a[0], a[1], a[2]});
+            expect_rgb(got, w[0], w[1], w[2], id, 1e-9);
+            counts[tag == "V" ? 2 : 3]++;
+        }
+    }
+    for (int c : counts) EXPECT_GT(c, 100);  // the script really ran every group
+}
+
+TEST(colour_convert, HueTurnsAndTies)
+{
+    expect_rgb(HSV2RGB({-120, 1, 1}), 0, 0, 1, "hue-1.1 negative turns");
+    expect_rgb(HSV2RGB({240, 1, 1}), 0, 0, 1, "hue-1.2");
+    expect_rgb(HSV2RGB({360, 1, 1}), 1, 0, 0, "hue-1.3");
+    expect_rgb(HSV2RGB({480, 1, 1}), 0, 1, 0, "hue-1.4 one turn too many");
+    expect_rgb(HSV2RGB({720, 1, 1}), 1, 0, 0, "hue-1.5");
+    expect_rgb(HSL2RGB({-300, 1, 0.5}), 1, 1, 0, "hue-1.6");
+    expect_rgb(HSV2RGB({1e300, 0, 0.5}), 0.5, 0.5, 0.5, "hue-1.7 huge hue returns");
+
+    const struct { const char *id; ColourRGB c; double h, s; } ties[] = {
+        {"tie-1.1 r=g>b", {1, 1, 0}, 60, 1},  {"tie-1.2 r=b>g", {1, 0, 1}, 300, 1},
+        {"tie-1.3 g=b>r", {0, 1, 1}, 180, 1}, {"tie-1.4 grey", {0.4, 0.4, 0.4}, 0, 0},
+        {"tie-1.5 black", {0, 0, 0}, 0, 0},
+    };
+    for (const auto &t : ties) {
+        EXPECT_DOUBLE_EQ(RGB2HSV(t.c).h, t.h) << t.id;
+        EXPECT_DOUBLE_EQ(RGB2HSV(t.c).s, t.s) << t.id;
+        EXPECT_DOUBLE_EQ(RGB2HSL(t.c).h, t.h) << t.id;
+    }
+    EXPECT_EQ(RGB2HSL({1, 1, 1}).s, 0.0);
+}
+
+TEST(colour_convert, YCCCoefficientSets)
+{
+    // Each primary gives one column of the forward set.
+    const struct { ColourRGB c; double y, cb, cr; } fwd[] = {
+        {{1, 0, 0}, 0.2989, -0.1687, 0.5},
+        {{0, 1, 0}, 0.5866, -0.3312, -0.4183},
+        {{0, 0, 1}, 0.1145, 0.5, -0.0816},
+        {{1, 1, 1}, 1.0, 0.0001, 0.0001},  // the rounded set is not exactly neutral
+    };
+    for (const auto &f : fwd) {
+        const ColourYCC y = RGB2YCC(f.c);
+        EXPECT_NEAR(y.y, f.y, 1e-12);
+        EXPECT_NEAR(y.cb, f.cb, 1e-12);
+        EXPECT_NEAR(y.cr, f.cr, 1e-12);
+    }
+    // Unit chroma steps give the inverse set; out-of-range results clamp.
+    expect_rgb(YCC2RGB({0.5, 0, 0.1}), 0.64022, 0.42855, 0.5, "ycc-2.1");
+    expect_rgb(YCC2RGB({0.5, 0.1, 0}), 0.5, 0.46544, 0.6771, "ycc-2.2");
+    expect_rgb(YCC2RGB({1, 0.5, 0.5}), 1, 0.46995, 1, "ycc-2.3 clamped");
+    expect_rgb(YCC2RGB({-0.2, 0, 0}), 0, 0, 0, "ycc-2.4 clamped");
+    // The two sets are near inverses of each other.
+    for (double r : {0.1, 0.5, 0.9})
+        for (double g : {0.2, 0.7})
+            for (double b : {0.05, 0.6}) expect_rgb(YCC2RGB(RGB2YCC({r, g, b})), r, g, b, "ycc-3", 2e-3);
+}
+
+// ---- SECTION helpers ----------------------------------------------------------
+
+TEST(colour_helpers, AsciiShades)
+{
+    const char shades[] = " .,:;-|I*oO%#@M";
+    for (int k = 0; k < 15; k++) EXPECT_EQ(AsciiColour((k + 0.5) / 15, 0, 1), shades[k]) << "ascii-1." << k;
+    EXPECT_EQ(AsciiColour(0, 0, 1), ' ');
+    EXPECT_EQ(AsciiColour(1, 0, 1), 0);  // vmax has no character
+    EXPECT_EQ(AsciiColour(-5, 0, 1), ' ');
+    EXPECT_EQ(AsciiColour(5, 0, 1), 0);
+    EXPECT_EQ(AsciiColour(3, 3, 3), ' ');  // empty range
+    const int rev = AsciiColour(0.5, 1, 0);  // reversed range stays inside the table
+    EXPECT_TRUE(rev == 0 || strchr(shades, rev)) << rev;
+}
+
+TEST(colour_helpers, RampMeasureCompareClip)
+{
+    const ColourRGB a = {0.2, 0.4, 0.6}, b = {1, 0, 0.5};
+    expect_rgb(RampColour2(a, b, 1.5), 1, 0, 0.5, "ramp-1.1");
+    expect_rgb(RampColour2(a, b, -0.1), 0.2, 0.4, 0.6, "ramp-1.2");
+    expect_rgb(RampColour2(a, b, 0.5), 0.6, 0.2, 0.55, "ramp-1.3");
+
+    EXPECT_DOUBLE_EQ(AbsColour({1, 1, 1}), 1.0);
+    EXPECT_EQ(AbsColour({0, 0, 0}), 0.0);
+    EXPECT_NEAR(AbsColour({1, 0, 0}), 1 / sqrt(3.0), 1e-15);
+
+    EXPECT_EQ(EqualColour(a, {0.2 + 0.9e-6, 0.4, 0.6 - 0.9e-6}), 1);
+    EXPECT_EQ(EqualColour(a, {0.2, 0.4 + 1.1e-6, 0.6}), 0);
+
+    ColourRGB c = a;
+    InvertColour(&c);
+    expect_rgb(c, 0.8, 0.6, 0.4, "invert");
+    c = {-0.5, 0.3, 1.5};
+    ClipColour(&c);
+    expect_rgb(c, 0, 0.3, 1, "clip");
+    ColourRGBA q = {2, -1, 0.5, 7};
+    ClipRGBA(&q);
+    EXPECT_EQ(q.r, 1.0);
+    EXPECT_EQ(q.g, 0.0);
+    EXPECT_EQ(q.b, 0.5);
+    EXPECT_EQ(q.a, 1.0);
+}
