@@ -39,13 +39,13 @@ void SetDefaultOptions(StartupArgs *args)
     args->bottom = 0;
 }
 
-void ParseCommandLine(int argc, char **argv, StartupArgs *args)
+int ParseArguments(int argc, char **argv, StartupArgs *args)
 {
     for (int i = 1; i < argc; i++) {
         const char *w = argv[i];
         const char *value = i + 1 < argc ? argv[i + 1] : "";  // last word: empty value
         if (!strcmp(w, "-h")) {
-            GiveUsage(argv[0]);
+            return 0;
         } else if (!strcmp(w, "-d")) {
             options.debug = 1;
         } else if (!strcmp(w, "-q")) {
@@ -65,7 +65,8 @@ void ParseCommandLine(int argc, char **argv, StartupArgs *args)
             i++;
         } else if (!strcmp(w, "-bf")) {
             options.boxfactor = (float)atof(value);
-            if (options.boxfactor <= 1.0f) options.boxfactor = 1.1f;
+            // Inverted test so that "nan" is refused too, as the options panel does.
+            if (!(options.boxfactor > 1.0f)) options.boxfactor = 1.1f;
             i++;
         } else if (!strcmp(w, "-n")) {
             options.nsamples = atoi(value);
@@ -89,6 +90,12 @@ void ParseCommandLine(int argc, char **argv, StartupArgs *args)
             options.useregion = 1;
         }
     }
+    return 1;
+}
+
+void ParseCommandLine(int argc, char **argv, StartupArgs *args)
+{
+    if (!ParseArguments(argc, argv, args)) GiveUsage(argc > 0 ? argv[0] : "quorl");
 }
 
 void WriteUsage(FILE *out, const char *progname)

@@ -42,8 +42,12 @@ struct StartupArgs {
 
 // Puts the defaults into options and args.
 void SetDefaultOptions(StartupArgs *args);
-// Reads the switches left to right into options and args. "-h" calls
-// GiveUsage at once. Unknown words are ignored; a missing value reads as "".
+// Reads the switches left to right into options and args, stopping at "-h".
+// Returns 0 when "-h" was met (usage wanted; the settings read before it stay
+// in place so the usage text can show them), 1 otherwise. Never prints and
+// never exits. Unknown words are ignored; a missing value reads as "".
+int ParseArguments(int argc, char **argv, StartupArgs *args);
+// ParseArguments, then GiveUsage when "-h" was met.
 void ParseCommandLine(int argc, char **argv, StartupArgs *args);
 // Writes the usage text, showing the current settings as the defaults.
 void WriteUsage(FILE *out, const char *progname);

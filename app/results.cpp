@@ -30,7 +30,13 @@ void SaveResults(void)
 {
     if (nresults < 4) return;
     if (options.quiet) {
+        // Flushed here so that a full disk or a closed pipe is reported now,
+        // while the table is still the last thing written.
+        errno = 0;
         WriteResults(stdout);
+        if (fflush(stdout) != 0 || ferror(stdout))
+            fprintf(stderr, "Failed to write results to standard output: %s\n",
+                    strerror(errno ? errno : EIO));
         return;
     }
     const char *chosen = results_choosefile ? results_choosefile("Results file") : nullptr;
@@ -48,7 +54,14 @@ void SaveResults(void)
         fprintf(stderr, "Failed to open results file \"%s\": %s\n", name, strerror(errno));
         return;
     }
+    // A write can fail early (the error flag stays set) or only when the
+    // buffer is flushed at the close; either way the file is incomplete.
+    errno = 0;
     WriteResults(f);
-    if (fclose(f) != 0)
-        fprintf(stderr, "Failed to write results file \"%s\": %s\n", name, strerror(errno));
+    const bool failed = fflush(f) != 0 || ferror(f);
+    int err = errno;
+    const bool closefailed = fclose(f) != 0;
+    if (!failed && !closefailed) return;
+    if (!failed) err = errno;
+    fprintf(stderr, "Failed to write results file \"%s\": %s\n", name, strerror(err ? err : EIO));
 }
