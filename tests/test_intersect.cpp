@@ -31,6 +31,7 @@ TEST(Segments, LineIntersectCases)
         {"li-1.4", {0, 0, 1, 1, 1, 1, 3, 0}, 1, 1, 1},   // touching at an end
         {"li-1.5", {0, 0, 1, 0, 2, -1, 2, 1}, 0, 0, 0},  // beyond the end of 1-2
         {"li-1.6", {0, 0, 4, 0, 2, 1, 2, 3}, 0, 0, 0},   // beyond the end of 3-4
+        {"li-1.7", {0, 0, 1, 0, 2, 0, 3, 0}, 1, 0.5, 0}, // collinear apart: still the midpoint
     };
     for (const auto &c : cases) {
         double x = -7, y = -7;

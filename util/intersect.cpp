@@ -1,4 +1,15 @@
 // util/intersect.cpp - lines, planes and polygons: distances, intersections and polygon tests.
+//
+// Index:
+//   SECTION helpers     vector difference, plane coefficients, edge distance
+//   SECTION lines       LineIntersect, LineLineIntersect, PointLine2D/3D, FindClosest
+//   SECTION solids      PointInBox, LinePlane, LineSegmentPlane, RaySphere
+//   SECTION polygons2d  ClockWise, ConvexPolygon, WhichSide, PointInPolygon, InTriangle
+//   SECTION facets      PlaneParam, PlanePoint, PointIn3DPolygon, ClipFacet,
+//                       ClipLine2Box, LineFacet
+//   SECTION polylines   PolygonLength, PolygonCurve
+//
+// Uses only util/vectors.h.
 #include "util/intersect.h"
 
 #include <algorithm>
@@ -6,6 +17,8 @@
 #include <vector>
 
 namespace {
+
+// ---- SECTION helpers ---------------------------------------------------------
 
 const double EPSILON = 0.00001;
 const double rad2deg = 57.2957795;
@@ -51,7 +64,7 @@ bool near_segment(Vec3 q, Vec3 a, Vec3 b)
 
 }  // namespace
 
-// ---- Lines and segments -------------------------------------------------------
+// ---- SECTION lines ----------------------------------------------------------
 
 int LineIntersect(double x1, double y1, double x2, double y2, double x3, double y3, double x4,
                   double y4, double *x, double *y)
@@ -142,7 +155,7 @@ int FindClosest(const Vec3 *p, int n, Vec3 q, double *distance, Vec3 *closest)
     return index;
 }
 
-// ---- Boxes, planes and spheres ------------------------------------------------
+// ---- SECTION solids ---------------------------------------------------------
 
 int PointInBox(Vec3 p, Vec3 min, Vec3 max)
 {
@@ -185,7 +198,7 @@ int RaySphere(Vec3 p1, Vec3 p2, Vec3 centre, double radius, double *mu1, double 
     return 1;
 }
 
-// ---- Plane polygons -----------------------------------------------------------
+// ---- SECTION polygons2d -----------------------------------------------------
 
 int ClockWise(const Vec2 *p, int n)
 {
@@ -240,7 +253,7 @@ int InTriangle(Vec2 q, Vec2 a, Vec2 b, Vec2 c)
     return cross(a, b, q) * area >= 0 && cross(b, c, q) * area >= 0 && cross(c, a, q) * area >= 0;
 }
 
-// ---- Planes through points and facets -----------------------------------------
+// ---- SECTION facets ---------------------------------------------------------
 
 void PlaneParam(const Vec3 *p, double *A, double *B, double *C, double *D)
 {
@@ -360,7 +373,7 @@ int LineFacet(Vec3 p1, Vec3 p2, const Vec3 *f, int n, Vec3 *p)
     return hit;
 }
 
-// ---- Polylines ----------------------------------------------------------------
+// ---- SECTION polylines ------------------------------------------------------
 
 double PolygonLength(const Vec3 *p, int n)
 {

@@ -13,9 +13,10 @@
 // ---- Lines and segments -------------------------------------------------------
 
 // Whether segments (x1,y1)-(x2,y2) and (x3,y3)-(x4,y4) meet, end points
-// included; (*x, *y) is the meeting point. Coincident segments (all of the
-// determinants near 0) meet at the midpoint of the first; parallel or missing
-// segments give 0 with the point (0, 0).
+// included; (*x, *y) is the meeting point. Collinear segments (all three
+// determinants below EPSILON) count as meeting at the midpoint of the first,
+// even when they do not overlap; parallel or missing segments give 0 with
+// the point (0, 0).
 int LineIntersect(double x1, double y1, double x2, double y2, double x3, double y3, double x4,
                   double y4, double *x, double *y);
 // The shortest segment pa-pb between the infinite lines p1p2 and p3p4, with
