@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <random>
 #include <sstream>
 #include <string>
@@ -136,8 +137,8 @@ TEST(MatrixSolve, KnownSingularAndNumpy)
     std::mt19937 rng(2024);
     std::vector<Mat> systems;
     systems.reserve(8);
-    char path[] = "/tmp/quorl_gsolveXXXXXX";
-    const int fd = mkstemp(path);
+    std::string path = (std::filesystem::temp_directory_path() / "quorl_gsolveXXXXXX").string();
+    const int fd = mkstemp(path.data());
     ASSERT_GE(fd, 0);
     FILE *f = fdopen(fd, "w");
     for (int n = 1; n <= 8; n++) {
@@ -153,11 +154,11 @@ TEST(MatrixSolve, KnownSingularAndNumpy)
     fclose(f);
     int status = 0;
     std::string out;
-    if (FILE *p = popen(("/usr/bin/python3 " QUORL_SOLVE_LINEAR " " + std::string(path) + " 2>/dev/null").c_str(), "r")) {
+    if (FILE *p = popen(("/usr/bin/python3 " QUORL_SOLVE_LINEAR " " + path + " 2>/dev/null").c_str(), "r")) {
         for (int ch; (ch = fgetc(p)) != EOF;) out += (char)ch;
         status = pclose(p);
     }
-    remove(path);
+    remove(path.c_str());
     if (status != 0) GTEST_SKIP() << "/usr/bin/python3 with numpy is not available";
     std::istringstream in(out);
     for (int n = 1; n <= 8; n++) {
