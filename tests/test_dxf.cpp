@@ -78,13 +78,10 @@ TEST(dxf_text, WriteErrorsAreReported)
 {
     FILE *f = fopen("/dev/null", "r");  // every write to it fails
     ASSERT_TRUE(f);
-    EXPECT_EQ(WriteDXFHeader(f, "x"), 0);
-    EXPECT_EQ(WriteDXFFacet(f, k_quad, 3), 0);
-    EXPECT_EQ(WriteDXFFooter(f), 0);
-    EXPECT_EQ(WriteRadFacet(f, k_quad, 3, "m"), 0);
+    EXPECT_EQ(WriteDXFHeader(f, "x") + WriteDXFFacet(f, k_quad, 3) + WriteDXFFooter(f) +
+                  WriteRadFacet(f, k_quad, 3, "m"), 0);
     fclose(f);
-    EXPECT_EQ(WriteDXFFacet(nullptr, k_quad, 3), 0);
-    EXPECT_EQ(WriteRadFacet(stdout, k_quad, 3, nullptr), 0);
+    EXPECT_EQ(WriteDXFFacet(nullptr, k_quad, 3) + WriteRadFacet(stdout, k_quad, 3, nullptr), 0);
 }
 
 TEST(dxf_readers, EzdxfLoadsTheDrawing)

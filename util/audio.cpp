@@ -87,7 +87,7 @@ Scale sample_scale(const double *x, long n)
         lo -= 1.0;
         hi += 1.0;
     }
-    const double mid = (lo + hi) / 2.0;
+    const double mid = lo / 2.0 + hi / 2.0;  // (lo + hi) / 2 without overflow near the double limit
     return {mid, fmax(fabs(lo - mid), fabs(hi - mid))};
 }
 
