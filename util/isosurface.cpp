@@ -396,18 +396,17 @@ int PolygoniseTri(GridCell g, double iso, Facet *tri, int v0, int v1, int v2, in
         }
         return VertexInterp(iso, g.p[c[a]], g.p[c[b]], g.val[c[a]], g.val[c[b]]);
     };
-    // Facets face the corners below iso: from the mean above to the mean below.
-    Vec3 towards{0, 0, 0};
-    for (int k = 0; k < 4; k++) {
-        const Vec3 &p = g.p[c[k]];
-        const double w = index & (1 << k) ? 1.0 : -1.0;
-        towards = Vec3{towards.x + w * p.x, towards.y + w * p.y, towards.z + w * p.z};
-    }
-
     int below[4], above[4], nb = 0, na = 0;
     for (int k = 0; k < 4; k++) {
         if (index & (1 << k)) below[nb++] = k;
         else above[na++] = k;
+    }
+    // Facets face the corners below iso: from the mean above to the mean below.
+    Vec3 towards{0, 0, 0};
+    for (int k = 0; k < 4; k++) {
+        const Vec3 &p = g.p[c[k]];
+        const double w = index & (1 << k) ? 1.0 / nb : -1.0 / na;
+        towards = Vec3{towards.x + w * p.x, towards.y + w * p.y, towards.z + w * p.z};
     }
     if (nb == 1 || na == 1) {
         // One corner alone: the facet joins the crossings on its three edges.
