@@ -1,0 +1,271 @@
+// Isosurfaces: table rules, cell cases, closed sphere meshes from cubes and
+// tetrahedra, subdivided octahedra and the facet ordering.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <map>
+#include <tuple>
+#include <vector>
+
+#include "util/isosurface.h"
+
+namespace {
+
+constexpr int corner_of_edge[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
+                                       {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
+
+// A unit cell at the origin, corners 0-3 anticlockwise seen from above.
+GridCell unit_cell(const double val[8])
+{
+    const Vec3 p[8] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
+                       {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
+    GridCell g;
+    for (int k = 0; k < 8; k++) g.p[k] = p[k], g.val[k] = val[k];
+    return g;
+}
+
+Vec3 cross(Vec3 a, Vec3 b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+Vec3 normal(const Facet &f)
+{
+    const Vec3 a = f.p[0], b = f.p[1], c = f.p[2];
+    return cross({b.x - a.x, b.y - a.y, b.z - a.z}, {c.x - a.x, c.y - a.y, c.z - a.z});
+}
+
+struct MeshStats {
+    double area, volume;  // volume signed: positive when facets face outwards
+    int bad_edges;        // directed edges not matched by exactly one reverse
+};
+
+// Welds corners to 1e-9 and checks that the mesh is closed and consistently
+// oriented: every directed edge once, and its reverse once.
+MeshStats mesh_stats(const std::vector<Facet> &fs)
+{
+    MeshStats m{0, 0, 0};
+    std::map<std::tuple<long, long, long>, int> ids;
+    std::map<std::pair<int, int>, int> edges;
+    for (const Facet &f : fs) {
+        const Vec3 n = normal(f);
+        m.area += 0.5 * sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+        const Vec3 a = f.p[0];
+        m.volume += (a.x * n.x + a.y * n.y + a.z * n.z) / 6;
+        int id[3];
+        for (int k = 0; k < 3; k++) {
+            const auto key = std::make_tuple(lround(f.p[k].x * 1e9), lround(f.p[k].y * 1e9), lround(f.p[k].z * 1e9));
+            id[k] = ids.emplace(key, (int)ids.size()).first->second;
+        }
+        for (int k = 0; k < 3; k++) edges[{id[k], id[(k + 1) % 3]}]++;
+    }
+    for (const auto &e : edges) {
+        const auto rev = edges.find({e.first.second, e.first.first});
+        if (e.second != 1 || rev == edges.end() || rev->second != 1) m.bad_edges++;
+    }
+    return m;
+}
+
+// The six tetrahedra of a cell about its diagonal 0-6, one per path along the
+// axes; neighbouring cells then split their shared faces alike. Corner orders
+// mix both handednesses.
+constexpr int tetra[6][4] = {{0, 1, 2, 6}, {1, 0, 5, 6}, {0, 3, 2, 6}, {3, 0, 7, 6}, {0, 4, 5, 6}, {4, 0, 7, 6}};
+
+// A sphere of radius r as the level 1000 r^2 of 1000 |p - c|^2, over n^3 cells
+// of [-1, 1]^3. The factor keeps every node clear of VertexInterp's absolute
+// 0.00001, which would snap a crossing to the node and leave degenerate facets.
+std::vector<Facet> sphere_mesh(int n, double r, bool by_tetra)
+{
+    const Vec3 c{0.0123, -0.0371, 0.0217};  // no grid node lands on the level
+    const Vec3 off[8] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
+                         {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
+    const double h = 2.0 / n;
+    std::vector<Facet> out;
+    Facet f[5];
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < n; j++)
+            for (int k = 0; k < n; k++) {
+                GridCell g;
+                for (int m = 0; m < 8; m++) {
+                    g.p[m] = {-1 + (i + off[m].x) * h, -1 + (j + off[m].y) * h, -1 + (k + off[m].z) * h};
+                    const double dx = g.p[m].x - c.x, dy = g.p[m].y - c.y, dz = g.p[m].z - c.z;
+                    g.val[m] = 1000 * (dx * dx + dy * dy + dz * dz);
+                }
+                if (!by_tetra) {
+                    out.insert(out.end(), f, f + PolygoniseCube(g, 1000 * r * r, f));
+                    continue;
+                }
+                for (const auto &t : tetra) {
+                    out.insert(out.end(), f, f + PolygoniseTri(g, 1000 * r * r, f, t[0], t[1], t[2], t[3]));
+                }
+            }
+    return out;
+}
+
+}  // namespace
+
+TEST(IsosurfaceTables, FollowTheirRules)
+{
+    for (int index = 0; index < 256; index++) {
+        int crossing = 0;
+        for (int e = 0; e < 12; e++) {
+            const int a = corner_of_edge[e][0], b = corner_of_edge[e][1];
+            if (((index >> a) & 1) != ((index >> b) & 1)) crossing |= 1 << e;
+        }
+        ASSERT_EQ(edgeTable[index], crossing) << index;
+
+        // Triples of crossing edges, then -1 to the end; every crossing edge used.
+        const int *row = triTable[index];
+        int n = 0, used = 0;
+        while (n < 16 && row[n] != -1) {
+            ASSERT_TRUE(row[n] >= 0 && row[n] < 12 && (crossing >> row[n] & 1)) << index << ":" << n;
+            used |= 1 << row[n++];
+        }
+        EXPECT_EQ(n % 3, 0) << index;
+        EXPECT_LE(n, 15) << index;
+        for (int k = n; k < 16; k++) EXPECT_EQ(row[k], -1) << index;
+        EXPECT_EQ(used, crossing) << index;
+    }
+    const int row3[6] = {1, 8, 3, 9, 8, 1}, row254[3] = {0, 3, 8};
+    for (int k = 0; k < 6; k++) EXPECT_EQ(triTable[3][k], row3[k]);
+    for (int k = 0; k < 3; k++) EXPECT_EQ(triTable[254][k], row254[k]);
+}
+
+TEST(Isosurface, VertexInterp)
+{
+    const Vec3 a{0, 0, 0}, b{2, 4, -8};
+    const struct { const char *id; double iso, f1, f2, mu; } cs[] = {
+        {"vi-1.1", 0.25, 0, 1, 0.25},      {"vi-1.2", 3, 5, 1, 0.5},
+        {"vi-1.3", 0.000005, 0, 1, 0},     {"vi-1.4", 0.999995, 0, 1, 1},
+        {"vi-1.5", 9, 2, 2.000005, 0},     {"vi-1.6", 2, 2.000001, 2.000001, 0},
+    };
+    for (const auto &c : cs) {
+        const Vec3 p = VertexInterp(c.iso, a, b, c.f1, c.f2);
+        EXPECT_DOUBLE_EQ(p.x, 2 * c.mu) << c.id;
+        EXPECT_DOUBLE_EQ(p.y, 4 * c.mu) << c.id;
+        EXPECT_DOUBLE_EQ(p.z, -8 * c.mu) << c.id;
+    }
+}
+
+TEST(Isosurface, CubeCells)
+{
+    Facet f[5];
+    const double below[8] = {0, 0, 0, 0, 0, 0, 0, 0}, at[8] = {1, 1, 1, 1, 1, 1, 1, 1};
+    EXPECT_EQ(PolygoniseCube(unit_cell(below), 1.0, f), 0);
+    EXPECT_EQ(PolygoniseCube(unit_cell(at), 1.0, f), 0);  // at the level counts as above
+
+    // Only corner 0 below: one facet through edges 0, 8, 3, facing corner 0.
+    const double one[8] = {0, 4, 4, 4, 4, 4, 4, 4};
+    ASSERT_EQ(PolygoniseCube(unit_cell(one), 1.0, f), 1);
+    const Vec3 want[3] = {{0.25, 0, 0}, {0, 0, 0.25}, {0, 0.25, 0}};
+    for (int k = 0; k < 3; k++) {
+        EXPECT_DOUBLE_EQ(f[0].p[k].x, want[k].x) << k;
+        EXPECT_DOUBLE_EQ(f[0].p[k].y, want[k].y) << k;
+        EXPECT_DOUBLE_EQ(f[0].p[k].z, want[k].z) << k;
+    }
+    EXPECT_LT(normal(f[0]).x, 0);
+
+    // Edge 3 runs from corner 3 to corner 0: values within the tolerance of
+    // the level snap to corner 3, the first end.
+    const double near[8] = {0.499999, 1, 1, 0.500004, 1, 1, 1, 1};
+    ASSERT_EQ(PolygoniseCube(unit_cell(near), 0.5, f), 1);
+    EXPECT_EQ(f[0].p[2].y, 1.0);
+
+    // Five facets at most: corners 0, 2, 5, 7 below (no two share an edge) is four.
+    const double alt[8] = {0, 4, 0, 4, 4, 0, 4, 0};
+    EXPECT_EQ(PolygoniseCube(unit_cell(alt), 1.0, f), 4);
+}
+
+TEST(Isosurface, TetrahedronCellsFaceTheLowSide)
+{
+    // Every split of the tetrahedron 0-1-2-4, with its corners in both orders.
+    for (int index = 1; index < 15; index++) {
+        double val[8] = {3, 3, 3, 3, 3, 3, 3, 3};
+        const int c[4] = {0, 1, 2, 4};
+        Vec3 low{0, 0, 0};
+        int nlow = 0;
+        for (int k = 0; k < 4; k++) {
+            if (!(index & (1 << k))) continue;
+            val[c[k]] = -1;
+            nlow++;
+        }
+        GridCell g = unit_cell(val);
+        for (Vec3 &p : g.p) p = {p.x + 5, p.y - 3, p.z + 2};  // away from the origin
+        for (int k = 0; k < 4; k++)
+            if (index & (1 << k)) low = {low.x + g.p[c[k]].x, low.y + g.p[c[k]].y, low.z + g.p[c[k]].z};
+        for (int flip = 0; flip < 2; flip++) {
+            Facet f[2];
+            const int n = flip ? PolygoniseTri(g, 1.0, f, c[1], c[0], c[2], c[3])
+                               : PolygoniseTri(g, 1.0, f, c[0], c[1], c[2], c[3]);
+            EXPECT_EQ(n, nlow == 2 ? 2 : 1) << index;
+            for (int t = 0; t < n; t++) {
+                const Vec3 nn = normal(f[t]), p = f[t].p[0];
+                const Vec3 d{low.x / nlow - p.x, low.y / nlow - p.y, low.z / nlow - p.z};
+                EXPECT_GT(nn.x * d.x + nn.y * d.y + nn.z * d.z, 0) << index << " flip " << flip;
+            }
+        }
+    }
+    Facet f[2];
+    const double all_low[8] = {0, 0, 0, 0, 0, 0, 0, 0};
+    EXPECT_EQ(PolygoniseTri(unit_cell(all_low), 1.0, f, 0, 1, 2, 4), 0);
+    EXPECT_EQ(PolygoniseTri(unit_cell(all_low), 0.0, f, 0, 1, 2, 4), 0);
+}
+
+TEST(Isosurface, SpheresAreClosedAndConverge)
+{
+    const double r = 0.71, area = 4 * M_PI * r * r, volume = 4 * M_PI * r * r * r / 3;
+    for (bool by_tetra : {false, true}) {
+        double last_err = 1;
+        for (int n : {8, 16, 32}) {
+            const MeshStats m = mesh_stats(sphere_mesh(n, r, by_tetra));
+            EXPECT_EQ(m.bad_edges, 0) << n << (by_tetra ? " tetra" : " cube");
+            // Facets face the low side, the inside here.
+            EXPECT_NEAR(-m.volume / volume, 1.0, 0.1) << n;
+            const double err = fabs(m.area - area) / area;
+            EXPECT_LT(err, last_err) << n;
+            last_err = err;
+        }
+        EXPECT_LT(last_err, 0.01) << (by_tetra ? "tetra" : "cube");
+    }
+}
+
+TEST(Isosurface, SubdividedOctahedron)
+{
+    std::vector<Facet> f(8 * 64);
+    EXPECT_EQ(CreateNSphere(f.data(), 0), 8);
+    EXPECT_EQ(CreateNSphere(f.data(), -2), 8);
+    EXPECT_EQ(f[0].p[1].x, 0.7071067811865475);
+    EXPECT_EQ(f[0].p[1].y, -0.7071067811865475);
+    for (int it = 0; it <= 3; it++) {
+        const int n = CreateNSphere(f.data(), it);
+        ASSERT_EQ(n, 8 << (2 * it));
+        const std::vector<Facet> mesh(f.begin(), f.begin() + n);
+        for (const Facet &t : mesh)
+            for (const Vec3 &p : t.p) EXPECT_NEAR(sqrt(p.x * p.x + p.y * p.y + p.z * p.z), 1.0, 1e-15);
+        const MeshStats m = mesh_stats(mesh);
+        EXPECT_EQ(m.bad_edges, 0) << it;
+        EXPECT_GT(m.volume, 0) << it;  // anticlockwise seen from outside
+        if (it == 3) {
+            EXPECT_NEAR(m.area, 4 * M_PI, 0.2);
+        }
+    }
+}
+
+TEST(Isosurface, PolygonCompareOrdersLexicographically)
+{
+    Facet f[4] = {{{{1, 0, 0}, {0, 0, 0}, {0, 0, 0}}},
+                  {{{0, 5, 0}, {0, 0, 0}, {0, 0, 0}}},
+                  {{{0, 5, 0}, {0, 0, 0}, {0, 0, -1}}},
+                  {{{0, 0, 9}, {0, 0, 0}, {0, 0, 0}}}};
+    qsort(f, 4, sizeof(Facet), PolygonCompare);
+    const double first[4][2] = {{0, 0}, {0, 5}, {0, 5}, {1, 0}};  // p[0].x, p[0].y
+    for (int k = 0; k < 4; k++) {
+        EXPECT_EQ(f[k].p[0].x, first[k][0]) << k;
+        EXPECT_EQ(f[k].p[0].y, first[k][1]) << k;
+    }
+    EXPECT_EQ(f[1].p[2].z, -1.0);
+    EXPECT_EQ(PolygonCompare(&f[0], &f[0]), 0);
+    EXPECT_EQ(PolygonCompare(&f[1], &f[2]), -1);
+    EXPECT_EQ(PolygonCompare(&f[2], &f[1]), 1);
+}
