@@ -16,20 +16,23 @@
 
 namespace {
 
-// Makes fd standard input for the guard's lifetime.
+// Makes fd standard input for the guard's lifetime. With standard input
+// closed, the descriptors a test opens would take number 0 themselves, so
+// /dev/null is parked there first.
 struct StdinSwap {
     int saved;
     explicit StdinSwap(int fd) : saved(dup(0)) { dup2(fd, 0); }
     ~StdinSwap()
     {
-        if (saved >= 0) {
-            dup2(saved, 0);
-            close(saved);
-        } else {
-            close(0);  // there was no standard input before
-        }
+        dup2(saved, 0);
+        close(saved);
     }
 };
+
+void occupy_stdin(void)
+{
+    if (fcntl(0, F_GETFD) == -1) open("/dev/null", O_RDONLY);  // becomes descriptor 0
+}
 
 // Whether standard input has something to read within ms milliseconds.
 bool readable(int ms)
@@ -42,6 +45,7 @@ bool readable(int ms)
 
 TEST(Keyboard, SingleKeysOnPseudoTerminal)
 {
+    occupy_stdin();
     const int master = posix_openpt(O_RDWR | O_NOCTTY);
     if (master < 0) GTEST_SKIP() << "no pseudo-terminals here";
     ASSERT_EQ(grantpt(master), 0);
@@ -89,6 +93,7 @@ TEST(Keyboard, SingleKeysOnPseudoTerminal)
 
 TEST(Keyboard, NotATerminalFailsHarmlessly)
 {
+    occupy_stdin();
     int fds[2];
     ASSERT_EQ(pipe(fds), 0);
     {
