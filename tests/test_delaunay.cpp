@@ -141,15 +141,11 @@ TEST(DelaunayCircle, KnownCircles)
     for (const auto &c : cs) {
         double xc = 0, yc = 0, r2 = 0;
         EXPECT_EQ(CircumCircle(c.xp, c.yp, c.x1, c.y1, c.x2, c.y2, c.x3, c.y3, &xc, &yc, &r2), c.in) << c.id;
-        EXPECT_NEAR(xc, c.xc, 1e-12) << c.id;
-        EXPECT_NEAR(yc, c.yc, 1e-12) << c.id;
-        EXPECT_NEAR(r2, c.r2, 1e-12) << c.id;
+        EXPECT_LT(fabs(xc - c.xc) + fabs(yc - c.yc) + fabs(r2 - c.r2), 1e-12) << c.id;
     }
     double xc = 7, yc = 8, r2 = 9;  // three equal y: no circle, outputs untouched
     EXPECT_EQ(CircumCircle(0, 0, 0, 2, 1, 2, 3, 2, &xc, &yc, &r2), 0);
-    EXPECT_EQ(xc, 7);
-    EXPECT_EQ(yc, 8);
-    EXPECT_EQ(r2, 9);
+    EXPECT_TRUE(xc == 7 && yc == 8 && r2 == 9);
 }
 
 TEST(Delaunay, JitteredGridProgressAndOrder)
@@ -176,11 +172,8 @@ TEST(Delaunay, JitteredGridProgressAndOrder)
     // The output order is part of the contract: pinned from this input.
     ASSERT_EQ(ntri, 184);
     const TriIndex first[4] = {{97, 80, 99}, {80, 81, 99}, {2, 4, 10}, {90, 98, 99}};
-    for (int k = 0; k < 4; k++) {
-        EXPECT_EQ(tri[k].p1, first[k].p1) << k;
-        EXPECT_EQ(tri[k].p2, first[k].p2) << k;
-        EXPECT_EQ(tri[k].p3, first[k].p3) << k;
-    }
+    for (int k = 0; k < 4; k++)
+        EXPECT_TRUE(tri[k].p1 == first[k].p1 && tri[k].p2 == first[k].p2 && tri[k].p3 == first[k].p3) << k;
 }
 
 TEST(Delaunay, WritesOnlyTheDocumentedArrays)
@@ -198,16 +191,10 @@ TEST(Delaunay, WritesOnlyTheDocumentedArrays)
         testing::internal::CaptureStderr();
         EXPECT_EQ(Triangulate(nv, p.data() + 1, tri.data() + 1, &ntri), 0) << nv;
         testing::internal::GetCapturedStderr();
-        EXPECT_EQ(p.front().x, pg.x) << nv;
-        EXPECT_EQ(p.back().x, pg.x) << nv;
+        EXPECT_TRUE(p.front().x == pg.x && p.back().x == pg.x) << nv;
+        EXPECT_TRUE(tri.front().p1 == tg.p1 && tri.back().p1 == tg.p1) << nv;
         EXPECT_EQ(p[nv + 3].z, 0.0) << nv;  // the enclosing triangle is left in place
-        EXPECT_EQ(tri.front().p1, tg.p1) << nv;
-        EXPECT_EQ(tri.back().p1, tg.p1) << nv;
-        EXPECT_GE(ntri, 0);
-        EXPECT_LE(ntri, tmax);
-        if (nv == 0) {
-            EXPECT_EQ(ntri, 0);
-        }
+        EXPECT_TRUE(nv > 0 ? ntri > 0 && ntri <= tmax : ntri == 0) << nv;
     }
 }
 
@@ -220,9 +207,7 @@ TEST(Delaunay, ErrorCodes)
     EXPECT_EQ(Triangulate(-3, p.data(), tri.data(), &ntri), 0);
     EXPECT_EQ(ntri, 0);
     EXPECT_EQ(Triangulate(INT_MAX / 4 + 1, p.data(), tri.data(), &ntri), 1);
-    EXPECT_EQ(ntri, 0);
-    EXPECT_EQ(p[0].x, 1.0);
-    EXPECT_EQ(tri[0].p1, -5);
+    EXPECT_TRUE(ntri == 0 && p[0].x == 1.0 && tri[0].p1 == -5);
 
     // Over a span of 0.003 the absolute circle tolerance of 0.000001 puts far
     // points "inside", the removed regions split, and triangles pile up to the
@@ -236,9 +221,7 @@ TEST(Delaunay, ErrorCodes)
     testing::internal::CaptureStderr();
     EXPECT_EQ(Triangulate(200, q.data(), t.data(), &ntri), 4);
     testing::internal::GetCapturedStderr();
-    EXPECT_EQ(ntri, 800);
-    EXPECT_EQ(t[800].p1, -5);
-    EXPECT_EQ(t[801].p1, -5);
+    EXPECT_TRUE(ntri == 800 && t[800].p1 == -5 && t[801].p1 == -5);
 }
 
 TEST(Delaunay, MatchesScipy)
