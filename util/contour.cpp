@@ -1,8 +1,6 @@
 // util/contour.cpp - contour lines of gridded data and plane sections of facets.
 #include "util/contour.h"
 
-#include <cmath>
-
 namespace {
 
 // Corner offsets of vertices 1..4 of a cell: (i,j), (i+1,j), (i+1,j+1), (i,j+1).
@@ -89,12 +87,12 @@ void Contour(const double *const *d, int ilb, int iub, int jlb, int jub, const d
 
 int ContourFacet(const Vec3 *facet, Vec3 normal, Vec3 point, Vec3 *p1, Vec3 *p2)
 {
-    const double len = sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
-    const double nx = normal.x / len, ny = normal.y / len, nz = normal.z / len;
+    // Divided, not Normalise()d: a zero normal gives NaN sides and so -1 below.
+    const Vec3 n = VectorMul(normal, 1.0 / Modulus(normal));
     // The plane constant takes the normal as given; for a unit normal the two agree.
-    const double c = normal.x * point.x + normal.y * point.y + normal.z * point.z;
+    const double c = DotProduct(normal, point);
     double s[3];
-    for (int k = 0; k < 3; k++) s[k] = nx * facet[k].x + ny * facet[k].y + nz * facet[k].z - c;
+    for (int k = 0; k < 3; k++) s[k] = DotProduct(n, facet[k]) - c;
 
     if (s[0] >= 0 && s[1] >= 0 && s[2] >= 0) return 0;
     if (s[0] <= 0 && s[1] <= 0 && s[2] <= 0) return 0;
@@ -112,9 +110,8 @@ int ContourFacet(const Vec3 *facet, Vec3 normal, Vec3 point, Vec3 *p1, Vec3 *p2)
     } else {
         return -1;
     }
-    const Vec3 &L = facet[l], &A = facet[a], &B = facet[b];
-    const double ta = s[l] / (s[a] - s[l]), tb = s[l] / (s[b] - s[l]);
-    *p1 = Vec3{L.x - (A.x - L.x) * ta, L.y - (A.y - L.y) * ta, L.z - (A.z - L.z) * ta};
-    *p2 = Vec3{L.x - (B.x - L.x) * tb, L.y - (B.y - L.y) * tb, L.z - (B.z - L.z) * tb};
+    // p = L - (A - L) s(L) / (s(A) - s(L)), where the side changes sign.
+    *p1 = VectorSub(VectorMul(VectorSub(facet[l], facet[a]), s[l] / (s[a] - s[l])), facet[l]);
+    *p2 = VectorSub(VectorMul(VectorSub(facet[l], facet[b]), s[l] / (s[b] - s[l])), facet[l]);
     return 2;
 }

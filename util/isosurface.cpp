@@ -2,11 +2,14 @@
 //
 // Index:
 //   SECTION tables    marching-cubes edge and triangle tables
-//   SECTION helpers   small vector helpers
+//   SECTION helpers   edge corners and facet helpers
 //   SECTION public    the family's functions, in header order
 #include "util/isosurface.h"
 
 #include <cmath>
+#include <utility>
+
+#include "util/vectors.h"
 
 // ---- SECTION tables -------------------------------------------------------
 // The classic marching-cubes tables for the corner and edge numbering in the
@@ -315,39 +318,19 @@ constexpr int edge_corner[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 
 const double interp_eps = 0.00001;
 const double octa_s = 0.7071067811865475;  // 1 / sqrt(2)
 
-Vec3 sub(Vec3 a, Vec3 b)
-{
-    return Vec3{a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-double dot(Vec3 a, Vec3 b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-Vec3 cross(Vec3 a, Vec3 b)
-{
-    return Vec3{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
 // Midpoint of a and b pushed out to unit length; a zero midpoint stays zero.
 Vec3 unit_mid(Vec3 a, Vec3 b)
 {
-    Vec3 m{(a.x + b.x) / 2, (a.y + b.y) / 2, (a.z + b.z) / 2};
-    const double len = sqrt(dot(m, m));
-    if (len > 0) m = Vec3{m.x / len, m.y / len, m.z / len};
+    Vec3 m = MidPoint(a, b);
+    Normalise(&m);
     return m;
 }
 
 // Swaps two corners of f when it winds clockwise seen along `towards`.
 void face_towards(Facet *f, Vec3 towards)
 {
-    const Vec3 n = cross(sub(f->p[1], f->p[0]), sub(f->p[2], f->p[0]));
-    if (dot(n, towards) < 0) {
-        const Vec3 t = f->p[1];
-        f->p[1] = f->p[2];
-        f->p[2] = t;
-    }
+    const Vec3 n = CrossProduct(VectorSub(f->p[0], f->p[1]), VectorSub(f->p[0], f->p[2]));
+    if (DotProduct(n, towards) < 0) SwapXYZ(&f->p[1], &f->p[2]);
 }
 
 }  // namespace
@@ -389,11 +372,7 @@ int PolygoniseTri(GridCell g, double iso, Facet *tri, int v0, int v1, int v2, in
 
     // Crossing on the edge between tetrahedron corners a and b, the earlier first.
     auto cut = [&](int a, int b) {
-        if (a > b) {
-            const int t = a;
-            a = b;
-            b = t;
-        }
+        if (a > b) std::swap(a, b);
         return VertexInterp(iso, g.p[c[a]], g.p[c[b]], g.val[c[a]], g.val[c[b]]);
     };
     int below[4], above[4], nb = 0, na = 0;
@@ -404,9 +383,8 @@ int PolygoniseTri(GridCell g, double iso, Facet *tri, int v0, int v1, int v2, in
     // Facets face the corners below iso: from the mean above to the mean below.
     Vec3 towards{0, 0, 0};
     for (int k = 0; k < 4; k++) {
-        const Vec3 &p = g.p[c[k]];
         const double w = index & (1 << k) ? 1.0 / nb : -1.0 / na;
-        towards = Vec3{towards.x + w * p.x, towards.y + w * p.y, towards.z + w * p.z};
+        towards = VectorAdd(towards, VectorMul(g.p[c[k]], w));
     }
     if (nb == 1 || na == 1) {
         // One corner alone: the facet joins the crossings on its three edges.
