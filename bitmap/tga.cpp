@@ -1,6 +1,8 @@
 // bitmap/tga.cpp - Truevision TGA reader.
 #include "bitmap/tga.h"
 
+#include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -33,6 +35,133 @@ int read_header(FILE *fptr, TgaHeader *h)
     h->bits = b[16];
     h->descriptor = b[17];
     return got;
+}
+
+// One value of NB bytes (1 grey, 2 ARRRRRGG GGGBBBBB little-endian, 3 BGR,
+// 4 BGRA) as a pixel; the same conversion as TGA_MergeBytes, fixed per loop.
+template <int NB> inline BitmapPixel pixel_of(const unsigned char *v)
+{
+    if constexpr (NB == 1) {
+        return BitmapPixel{v[0], v[0], v[0], 255};
+    } else if constexpr (NB == 2) {
+        return BitmapPixel{(unsigned char)((v[1] << 1) & 0xF8),
+                           (unsigned char)(((v[0] >> 2) & 0x38) | (v[1] << 6)),
+                           (unsigned char)(v[0] << 3), (unsigned char)(v[1] & 0x80)};
+    } else if constexpr (NB == 3) {
+        return BitmapPixel{v[2], v[1], v[0], 255};
+    } else {
+        return BitmapPixel{v[2], v[1], v[0], v[3]};
+    }
+}
+
+template <int NB> void decode(BitmapPixel *dst, const unsigned char *src, long count)
+{
+    for (long i = 0; i < count; i++) dst[i] = pixel_of<NB>(src + i * NB);
+}
+
+BitmapPixel pixel_of(const unsigned char *v, int nb)
+{
+    BitmapPixel p{0, 0, 0, 0};
+    TGA_MergeBytes(&p, v, nb);
+    return p;
+}
+
+// The stream seen through a buffer of fixed size, so that decoding makes one
+// stdio call per buffer rather than per pixel and never holds the whole file.
+struct Input {
+    FILE *f;
+    std::vector<unsigned char> buf;
+    size_t at = 0, end = 0;  // unread bytes are buf[at .. end)
+    bool ended = false;
+
+    Input(FILE *fptr, size_t size) : f(fptr), buf(size) {}
+    const unsigned char *next(void) const { return buf.data() + at; }
+    // Makes at least want bytes (at most the buffer's size) readable at
+    // next(); returns how many are, fewer than want only at the end of file.
+    size_t have(size_t want)
+    {
+        if (end - at >= want || ended) return end - at;
+        memmove(buf.data(), buf.data() + at, end - at);
+        end -= at;
+        at = 0;
+        while (end < want && !ended) {
+            const size_t got = fread(buf.data() + end, 1, buf.size() - end, f);
+            if (got == 0) ended = true;
+            end += got;
+        }
+        return end;
+    }
+    // Leaves the stream just after the bytes taken, as unbuffered reads would.
+    void give_back(void)
+    {
+        if (end > at) fseek(f, -(long)(end - at), SEEK_CUR);
+        at = end;
+    }
+};
+
+constexpr size_t input_size = 1 << 18;
+
+// Uncompressed true-colour or grey pixels.
+template <int NB> int read_plain(Input &in, BitmapPixel *image, long n)
+{
+    for (long pos = 0; pos < n;) {
+        const size_t got = in.have(NB);
+        if (got < NB) return TGA_EOFPIXELS;
+        const long k = std::min<long>((long)(got / NB), n - pos);
+        decode<NB>(image + pos, in.next(), k);
+        in.at += (size_t)k * NB;
+        pos += k;
+    }
+    return TGA_OK;
+}
+
+// Run-length packets: a header byte, then one value repeated (bit 7 set) or
+// (header AND 0x7F) + 1 values. Packets reaching past n are cut at n.
+template <int NB> int read_packets(Input &in, BitmapPixel *image, long n)
+{
+    for (long pos = 0; pos < n;) {
+        if (in.have(NB + 1) < NB + 1) return TGA_EOFPIXELS;
+        const int head = in.next()[0];
+        const BitmapPixel p = pixel_of<NB>(in.next() + 1);
+        in.at += NB + 1;
+        image[pos++] = p;
+        const long k = head & 0x7F;
+        if (head & 0x80) {
+            std::fill(image + pos, image + std::min(pos + k, n), p);
+            pos += k;
+            continue;
+        }
+        const long whole = std::min<long>(k, (long)(in.have((size_t)k * NB) / NB));
+        decode<NB>(image + pos, in.next(), std::min(whole, n - pos));
+        in.at += (size_t)whole * NB;
+        pos += whole;
+        if (whole < k) return TGA_EOFRAWPACKET;
+    }
+    return TGA_OK;
+}
+
+// Colour-mapped pixels: one index byte each, at or beyond the map's length
+// taking its last entry; with no map every pixel is 0.
+int read_mapped(Input &in, BitmapPixel *image, long n, const std::vector<BitmapPixel> &map)
+{
+    BitmapPixel lut[256] = {};
+    if (!map.empty())
+        for (size_t c = 0; c < 256; c++) lut[c] = map[std::min(c, map.size() - 1)];
+    for (long pos = 0; pos < n;) {
+        const size_t got = in.have(1);
+        if (got == 0) return TGA_EOFPIXELS;
+        const long k = std::min<long>((long)got, n - pos);
+        const unsigned char *idx = in.next();
+        for (long i = 0; i < k; i++) image[pos + i] = lut[idx[i]];
+        in.at += (size_t)k;
+        pos += k;
+    }
+    return TGA_OK;
+}
+
+template <int NB> int read_pixels(int type, Input &in, BitmapPixel *image, long n)
+{
+    return type == 2 || type == 3 ? read_plain<NB>(in, image, n) : read_packets<NB>(in, image, n);
 }
 
 }  // namespace
@@ -98,52 +227,32 @@ int TGA_Read(FILE *fptr, BitmapPixel *image, int *width, int *height)
     std::vector<BitmapPixel> map;
     if (t == 1) {
         map.assign((size_t)h.maplength, BitmapPixel{0, 0, 0, 0});
-        const int nb = h.mapbits / 8;  // 15-bit entries count as 1 byte (grey)
-        unsigned char v[32];             // entry sizes go up to 255 bits
-        for (int i = 0; i < h.maplength; i++) {
-            if (nb > 0 && fread(v, 1, (size_t)nb, fptr) != (size_t)nb) return TGA_EOFMAP;
-            TGA_MergeBytes(&map[(size_t)i], v, nb);
-        }
+        const size_t nb = (size_t)h.mapbits / 8;  // 15-bit entries count as 1 byte (grey)
+        std::vector<unsigned char> bytes(nb * map.size());
+        const size_t whole = bytes.empty() ? map.size() : fread(bytes.data(), 1, bytes.size(), fptr) / nb;
+        for (size_t i = 0; i < whole; i++) map[i] = pixel_of(bytes.data() + i * nb, (int)nb);
+        if (whole < map.size()) return TGA_EOFMAP;
     }
 
     long skip = 18L + h.idlength + (long)h.maptype * h.maplength * h.mapbits / 8;
     if (fseek(fptr, skip, SEEK_SET) != 0) return TGA_EOFPIXELS;
 
     const long n = (long)h.width * h.height;
-    const int nb = h.bits / 8;
-    unsigned char v[5];
-    long pos = 0;
-    auto put = [&](const BitmapPixel &p) {
-        if (pos < n) image[pos] = p;  // a packet running past the image is cut
-        pos++;
-    };
-
-    while (pos < n) {
-        BitmapPixel p{0, 0, 0, 0};
+    if (n > 0) {
+        Input in(fptr, input_size);
+        int code;
         if (t == 1) {
-            int c = fgetc(fptr);
-            if (c == EOF) return TGA_EOFPIXELS;
-            if (!map.empty()) p = map[(size_t)(c < h.maplength ? c : h.maplength - 1)];
-            put(p);
-        } else if (t == 2 || t == 3) {
-            if (fread(v, 1, (size_t)nb, fptr) != (size_t)nb) return TGA_EOFPIXELS;
-            TGA_MergeBytes(&p, v, nb);
-            put(p);
+            code = read_mapped(in, image, n, map);
         } else {
-            if (fread(v, 1, (size_t)nb + 1, fptr) != (size_t)nb + 1) return TGA_EOFPIXELS;
-            TGA_MergeBytes(&p, v + 1, nb);
-            put(p);
-            int k = v[0] & 0x7F;
-            if (v[0] & 0x80) {
-                for (int i = 0; i < k; i++) put(p);
-            } else {
-                for (int i = 0; i < k; i++) {
-                    if (fread(v, 1, (size_t)nb, fptr) != (size_t)nb) return TGA_EOFRAWPACKET;
-                    TGA_MergeBytes(&p, v, nb);
-                    put(p);
-                }
+            switch (h.bits / 8) {
+            case 1: code = read_pixels<1>(t, in, image, n); break;
+            case 2: code = read_pixels<2>(t, in, image, n); break;
+            case 3: code = read_pixels<3>(t, in, image, n); break;
+            default: code = read_pixels<4>(t, in, image, n); break;
             }
         }
+        if (code != TGA_OK) return code;
+        in.give_back();
     }
 
     if (h.height >= 2 && (h.descriptor & 0x20)) Flip_Bitmap(image, h.width, h.height, 0);
