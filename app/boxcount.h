@@ -37,5 +37,18 @@ extern void (*boxcount_gridhook)(void);
 // of the last pass has just been completed, else 0.
 int BoxCount(int mode);
 // 1 when the part of [x1, x2) x [y1, y2) inside the region holds a black
-// pixel of bwimage. Looks at the border before the interior.
+// pixel of bwimage. Answers from the black-pixel table in constant time when
+// one matches bwimage, otherwise by BlackInRectScan; the answer is the same.
 int BlackInRect(int x1, int x2, int y1, int y2);
+// The same test by looking at pixels: the border before the interior,
+// stopping at the first black pixel.
+int BlackInRectScan(int x1, int x2, int y1, int y2);
+
+// The black-pixel table: a summed-area table of bwimage's black pixels,
+// 2 bytes per pixel. MakeBlackTable (re)builds it from bwimage, imagewidth
+// and imageheight; call it after every change to bwimage (UpdateImages does).
+// Returns 1 when built, 0 when it could not be allocated, in which case
+// BlackInRect scans pixels. FreeBlackTable releases it; BlackInRect then
+// scans pixels until the next MakeBlackTable.
+int MakeBlackTable(void);
+void FreeBlackTable(void);

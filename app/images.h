@@ -24,6 +24,12 @@ int LoadTGA(const char *name);
 // Replaces image by the blank white 400 x 300 "No Image"; exit -1 when it
 // cannot be allocated.
 void MakeTestImage(void);
+// Resizes bwimage to image's size and fills it: 0 where r*r + g*g + b*b <
+// 16384, else 255, swapped when options.invert is set. Returns 1 when a byte
+// is black, 0 when none is (or the image is empty), -1 when bwimage cannot
+// be allocated (it is then left as it was).
+int ThresholdImage(void);
 // Rebuilds bwimage and (not quiet) viewimage, window size and scale; resets
-// the region unless one was given; resets the analysis. Returns BoxCount(0).
+// the region unless one was given; builds the box test's black-pixel table;
+// resets the analysis. Returns BoxCount(0).
 int UpdateImages(void);
