@@ -39,8 +39,8 @@ void contour(const std::vector<double> &x, const std::vector<double> &y, F f, co
 
 std::vector<double> steps(int n, double lo, double hi)
 {
-    std::vector<double> v;
-    for (int k = 0; k < n; k++) v.push_back(lo + (hi - lo) * k / (n - 1));
+    std::vector<double> v(n);
+    for (int k = 0; k < n; k++) v[k] = lo + (hi - lo) * k / (n - 1);
     return v;
 }
 

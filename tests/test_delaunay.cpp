@@ -115,7 +115,7 @@ int scipy_check(const std::string &name, const std::vector<Vec3> &p, const std::
     }
     const std::string cmd = std::string("/usr/bin/python3 ") + QUORL_DELAUNAY_CHECK + " " + data + " " + mode +
                             " > " + log + " 2>&1";
-    const int status = std::system(cmd.c_str());
+    const int status = std::system(cmd.c_str());  // NOLINT(cert-env33-c): runs the fixed checker script
     std::ifstream f(log);
     std::stringstream ss;
     ss << f.rdbuf();
@@ -209,13 +209,11 @@ TEST(Delaunay, ErrorCodes)
     EXPECT_EQ(Triangulate(INT_MAX / 4 + 1, p.data(), tri.data(), &ntri), 1);
     EXPECT_TRUE(ntri == 0 && p[0].x == 1.0 && tri[0].p1 == -5);
 
-    // Over a span of 0.003 the absolute circle tolerance of 0.000001 puts far
+    // Over a span of 0.003 (radius 100 scaled down) the absolute circle tolerance of 0.000001 puts far
     // points "inside", the removed regions split, and triangles pile up to the
     // 4 * nv limit, which must stop them.
-    std::mt19937 g(1);
-    std::vector<Vec3> q;
-    for (int i = 0; i < 200; i++) q.push_back({0.003 * uniform(g), 0.003 * uniform(g), 0});
-    sort_by_x(q);
+    std::vector<Vec3> q = random_disc(200, 0, 1);
+    for (Vec3 &v : q) v = {0.000015 * v.x, 0.000015 * v.y, 0};
     q.resize(203);
     std::vector<TriIndex> t(802, TriIndex{-5, -5, -5});
     testing::internal::CaptureStderr();

@@ -196,7 +196,7 @@ TEST(Isosurface, SpheresAreClosedAndConverge)
 
 TEST(Isosurface, SubdividedOctahedron)
 {
-    std::vector<Facet> f(8 * 64);
+    std::vector<Facet> f(8u * 64);
     EXPECT_EQ(CreateNSphere(f.data(), 0), 8);
     EXPECT_EQ(CreateNSphere(f.data(), -2), 8);
     EXPECT_EQ(f[0].p[1].x, 0.7071067811865475);
