@@ -172,7 +172,7 @@ void TGA_Info(FILE *fptr, int *width, int *height, int *depth)
     read_header(fptr, &h);
     *width = h.width;
     *height = h.height;
-    *depth = (signed char)h.bits;
+    *depth = h.bits < 128 ? h.bits : h.bits - 256;  // the byte is taken as signed
     rewind(fptr);
 }
 
