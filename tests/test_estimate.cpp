@@ -22,12 +22,13 @@ void set_results(const std::vector<std::pair<int, int>> &entries)
     }
 }
 
-std::string table()
+// What fn writes to a stream, or what it leaves in the file at path.
+template <class F> std::string written(F fn)
 {
     char *buf = nullptr;
     size_t len = 0;
     FILE *f = open_memstream(&buf, &len);
-    WriteResults(f);
+    fn(f);
     fclose(f);
     std::string s(buf, len);
     free(buf);
@@ -38,8 +39,7 @@ std::string slurp(const std::string &path)
 {
     std::string s;
     if (FILE *f = fopen(path.c_str(), "r")) {
-        int c;
-        while ((c = fgetc(f)) != EOF) s += (char)c;
+        for (int c; (c = fgetc(f)) != EOF;) s += (char)c;
         fclose(f);
     }
     return s;
@@ -52,54 +52,35 @@ protected:
 
 }  // namespace
 
-TEST_F(Estimate, TooFewEntriesOrSizes)
+TEST_F(Estimate, SlopeFromTheSmallestCountPerSize)
 {
     set_results({});
     EXPECT_EQ(CalcSlope(), -1.0);
-    set_results({{10, 100}, {5, 400}, {2, 2500}});
+    set_results({{10, 100}, {5, 400}, {2, 2500}});  // too few entries
     EXPECT_EQ(CalcSlope(), -1.0);
-    set_results({{10, 100}, {5, 400}, {10, 90}, {5, 380}});  // two passes over two sizes
+    set_results({{10, 100}, {5, 400}, {10, 90}, {5, 380}});  // two sizes only
     EXPECT_EQ(CalcSlope(), 0.0);
-    char buf[16];
-    snprintf(buf, sizeof buf, "%6.3f", -1.0);
-    EXPECT_STREQ(buf, "-1.000");
-}
 
-TEST_F(Estimate, SmallestCountPerSize)
-{
     set_results({{10, 100}, {5, 400}, {2, 2500}, {10, 90}, {5, 380}, {2, 2600}});
     float x[6], y[6];
     ASSERT_EQ(MakeLogPoints(x, y), 3);
-    const double want_x[] = {log(0.1), log(0.2), log(0.5)};
-    const double want_y[] = {log(90.0), log(380.0), log(2500.0)};
+    const double want[3][2] = {{log(0.1), log(90.0)}, {log(0.2), log(380.0)}, {log(0.5), log(2500.0)}};
     for (int i = 0; i < 3; i++) {
-        EXPECT_FLOAT_EQ(x[i], (float)want_x[i]);
-        EXPECT_FLOAT_EQ(y[i], (float)want_y[i]);
+        EXPECT_FLOAT_EQ(x[i], (float)want[i][0]);
+        EXPECT_FLOAT_EQ(y[i], (float)want[i][1]);
     }
-    // Least squares through those three points.
-    const double mx = (want_x[0] + want_x[1] + want_x[2]) / 3, my = (want_y[0] + want_y[1] + want_y[2]) / 3;
-    double sxy = 0, sxx = 0;
-    for (int i = 0; i < 3; i++) {
-        sxy += (want_x[i] - mx) * (want_y[i] - my);
-        sxx += (want_x[i] - mx) * (want_x[i] - mx);
-    }
-    EXPECT_NEAR(CalcSlope(), sxy / sxx, 1e-5);
+    EXPECT_NEAR(CalcSlope(), 2.064968220922576, 1e-5);  // least squares through those points
 }
 
 TEST_F(Estimate, ZeroCountsAndCloseSizes)
 {
-    // One black pixel: every count is 1, the slope 0.
-    set_results({{40, 1}, {20, 1}, {10, 1}, {5, 1}});
-    EXPECT_EQ(CalcSlope(), 0.0);
-
-    // A zero count after the first entry of its size counts as 1.
-    set_results({{40, 5}, {20, 9}, {10, 30}, {40, 0}});
     float x[4], y[4];
+    set_results({{40, 1}, {20, 1}, {10, 1}, {5, 1}});  // one black pixel
+    EXPECT_EQ(CalcSlope(), 0.0);
+    set_results({{40, 5}, {20, 9}, {10, 30}, {40, 0}});  // a later zero count counts as 1
     ASSERT_EQ(MakeLogPoints(x, y), 3);
     EXPECT_EQ(y[0], 0.0f);
-
-    // A first zero count gives 0 rather than an unset value.
-    set_results({{40, 0}, {20, 0}, {10, 0}, {5, 0}});
+    set_results({{40, 0}, {20, 0}, {10, 0}, {5, 0}});  // a first zero gives 0, not an unset value
     EXPECT_EQ(MakeLogPoints(x, y), 4);
     for (float v : y) EXPECT_EQ(v, 0.0f);
     EXPECT_EQ(CalcSlope(), 0.0);
@@ -116,94 +97,73 @@ TEST_F(Estimate, ZeroCountsAndCloseSizes)
 
 TEST(LinRegressf, SinglePrecisionFit)
 {
-    const float x1[] = {0, 1, 2}, y1[] = {1, 3, 5};
-    float a = 9, b = 9, r = 9;
-    EXPECT_EQ(LinRegressf(x1, y1, 3, &a, &b, &r), 1);
-    EXPECT_FLOAT_EQ(a, 1);
-    EXPECT_FLOAT_EQ(b, 2);
-    EXPECT_FLOAT_EQ(r, 1);
-
-    const float xs[] = {2, 2, 2};
-    EXPECT_EQ(LinRegressf(xs, y1, 3, &a, &b, &r), 0);
-    EXPECT_EQ(a + b + r, 0.0f);
-    EXPECT_EQ(LinRegressf(x1, y1, 1, &a, &b, &r), 0);
-
-    const float flat[] = {4, 4, 4};
-    EXPECT_EQ(LinRegressf(x1, flat, 3, &a, &b, &r), 1);
-    EXPECT_FLOAT_EQ(a, 4);
-    EXPECT_EQ(b, 0.0f);
-    EXPECT_EQ(r, 1.0f);
-
-    // The sums stay in double: a large offset in x does not wreck the slope.
-    const float xo[] = {1000.0f, 1001.0f, 1002.0f, 1003.0f}, yo[] = {0.5f, 2.5f, 4.5f, 6.5f};
-    EXPECT_EQ(LinRegressf(xo, yo, 4, &a, &b, &r), 1);
-    EXPECT_NEAR(b, 2.0f, 1e-3);
+    const struct { std::vector<float> x, y; int ok; float a, b, r; } cases[] = {
+        {{0, 1, 2}, {1, 3, 5}, 1, 1, 2, 1},
+        {{2, 2, 2}, {1, 3, 5}, 0, 0, 0, 0},
+        {{0}, {1}, 0, 0, 0, 0},
+        {{0, 1, 2}, {4, 4, 4}, 1, 4, 0, 1},
+        // The sums stay in double: a large offset in x does not wreck the slope.
+        {{1000, 1001, 1002, 1003}, {0.5f, 2.5f, 4.5f, 6.5f}, 1, NAN, 2, 1},
+    };
+    for (const auto &c : cases) {
+        float a = 9, b = 9, r = 9;
+        EXPECT_EQ(LinRegressf(c.x.data(), c.y.data(), (int)c.x.size(), &a, &b, &r), c.ok) << c.x[0];
+        if (!std::isnan(c.a)) {
+            EXPECT_NEAR(a, c.a, 1e-6) << c.x[0];
+        }
+        EXPECT_NEAR(b, c.b, 1e-3) << c.x[0];
+        EXPECT_NEAR(r, c.r, 1e-6) << c.x[0];
+    }
 }
 
-TEST_F(Estimate, TableLines)
+TEST_F(Estimate, TableAndSaving)
 {
     set_results({{60, 40}, {100, 1234567}, {60, 35}, {100, 1300000}});
-    EXPECT_EQ(table(), "60 35 -4.09434 3.55535\n100 1.23457e+06 -4.60517 14.0262\n");
-
+    EXPECT_EQ(written(WriteResults), "60 35 -4.09434 3.55535\n100 1.23457e+06 -4.60517 14.0262\n");
     // Zero counts take no part; a size whose counts are all zero has no line.
     set_results({{60, 0}, {30, 0}, {60, 12}, {30, 0}});
-    EXPECT_EQ(table(), "60 12 -4.09434 2.48491\n");
+    EXPECT_EQ(written(WriteResults), "60 12 -4.09434 2.48491\n");
     set_results({{60, 0}, {30, 0}, {60, 0}, {30, 0}});
-    EXPECT_EQ(table(), "");
-}
+    EXPECT_EQ(written(WriteResults), "");
 
-TEST_F(Estimate, QuietSaveWritesStandardOutput)
-{
+    const std::string four = "60 35 -4.09434 3.55535\n30 90 -3.4012 4.49981\n";
     set_results({{60, 40}, {30, 100}, {60, 35}});
     ::testing::internal::CaptureStdout();
-    SaveResults();  // three entries: nothing at all
+    SaveResults();  // quiet, three entries: nothing at all
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-
     set_results({{60, 40}, {30, 100}, {60, 35}, {30, 90}});
     ::testing::internal::CaptureStdout();
-    SaveResults();
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "60 35 -4.09434 3.55535\n30 90 -3.4012 4.49981\n");
-}
+    SaveResults();  // quiet: standard output
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), four);
 
-TEST_F(Estimate, InteractiveSaveGoesToTheChosenFile)
-{
+    // Interactive: the chosen file is replaced; cancelling says nothing;
+    // failures to open and names too long for the buffer are reported.
     options.quiet = 0;
-    set_results({{60, 40}, {30, 100}, {60, 35}, {30, 90}});
     static std::string chosen;
     results_choosefile = [](const char *prompt) -> const char * {
         EXPECT_STREQ(prompt, "Results file");
         return chosen.c_str();
     };
-
     char dir[] = "/tmp/quorl-results-XXXXXX";
     ASSERT_NE(mkdtemp(dir), nullptr);
-    chosen = std::string(dir) + "/out.txt";
-    FILE *f = fopen(chosen.c_str(), "w");
+    const std::string out = std::string(dir) + "/out.txt";
+    FILE *f = fopen(out.c_str(), "w");
     fputs("old content that must go\n", f);
     fclose(f);
-    SaveResults();
-    EXPECT_EQ(slurp(chosen), "60 35 -4.09434 3.55535\n30 90 -3.4012 4.49981\n");
-
-    // Cancelled: nothing written, nothing said.
-    const std::string before = chosen;
-    chosen = "";
-    ::testing::internal::CaptureStderr();
-    SaveResults();
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-
-    // A file that cannot be opened is reported.
-    chosen = std::string(dir) + "/no/such/dir/out.txt";
-    ::testing::internal::CaptureStderr();
-    SaveResults();
-    EXPECT_NE(::testing::internal::GetCapturedStderr().find("Failed to open results file"), std::string::npos);
-
-    // A name too long for the buffer is refused, not truncated.
-    chosen = std::string(dir) + "/" + std::string(300, 'a');
-    ::testing::internal::CaptureStderr();
-    SaveResults();
-    EXPECT_NE(::testing::internal::GetCapturedStderr().find("too long"), std::string::npos);
-
-    remove(before.c_str());
+    const struct { std::string name, stderr_has; } saves[] = {
+        {out, ""}, {"", ""}, {std::string(dir) + "/no/such/dir/out.txt", "Failed to open results file"},
+        {std::string(dir) + "/" + std::string(300, 'a'), "too long"},
+    };
+    for (const auto &s : saves) {
+        chosen = s.name;
+        ::testing::internal::CaptureStderr();
+        SaveResults();
+        const std::string err = ::testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(s.stderr_has.empty() ? err.empty() : err.find(s.stderr_has) != std::string::npos)
+            << s.name << ": " << err;
+    }
+    EXPECT_EQ(slurp(out), four);
+    remove(out.c_str());
     rmdir(dir);
     results_choosefile = nullptr;
 }

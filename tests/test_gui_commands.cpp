@@ -1,6 +1,8 @@
 // tests/test_gui_commands.cpp - what the keys, menu entries and panel inputs
-// do, driven without a display: panel clamping, the title, opening and
-// inverting images, start and stop, and the idle loop's redraw throttle.
+// do, driven without a display. The end-to-end GUI scripts cover the visible
+// behaviour; these cases pin what a screen cannot show reliably: the stored
+// values, a title cut to its buffer, alpha kept by inversion, and the redraw
+// throttle against a fake clock.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -32,73 +34,41 @@ void Steps(int n)
     }
 }
 
-// ---------------------------------------------------------------- panel inputs
-
-TEST_F(Commands, InputsAreClampedAsStored)
+TEST_F(Commands, InputsAreClampedStoredAndShown)
 {
-    static const struct {
-        const char *id;
-        OptionField field;
-        const char *text;
-        double want;
-    } cases[] = {
-        {"samples-1.1", OPTION_SAMPLES, "-3", 1},    {"samples-1.2", OPTION_SAMPLES, "0", 1},
-        {"samples-1.3", OPTION_SAMPLES, "abc", 1},   {"samples-1.4", OPTION_SAMPLES, "1", 1},
-        {"samples-1.5", OPTION_SAMPLES, "12", 12},   {"start-1.1", OPTION_START, "1", -1},
-        {"start-1.2", OPTION_START, "2", 2},         {"start-1.3", OPTION_START, "Auto", -1},
-        {"start-1.4", OPTION_START, "-7", -1},       {"start-1.5", OPTION_START, "250", 250},
-        {"end-1.1", OPTION_END, "0", 2},             {"end-1.2", OPTION_END, "-1", 2},
-        {"end-1.3", OPTION_END, "1", 1},             {"end-1.4", OPTION_END, "", 2},
-        {"factor-1.1", OPTION_FACTOR, "1", 1.1f},    {"factor-1.2", OPTION_FACTOR, "0.5", 1.1f},
-        {"factor-1.3", OPTION_FACTOR, "abc", 1.1f},  {"factor-1.4", OPTION_FACTOR, "1.0001", 1.0001f},
-        {"factor-1.5", OPTION_FACTOR, "1.25", 1.25f},
-    };
-    for (const auto &c : cases) {
-        ApplyOptionInput(c.field, c.text);
-        double got = 0;
-        switch (c.field) {
-        case OPTION_SAMPLES: got = options.nsamples; break;
-        case OPTION_START: got = options.boxstart; break;
-        case OPTION_END: got = options.boxend; break;
-        case OPTION_FACTOR: got = options.boxfactor; break;
-        }
-        EXPECT_EQ(got, c.want) << c.id << ": typed \"" << c.text << "\"";
-    }
-}
-
-TEST_F(Commands, FieldsShowTheStoredValue)
-{
-    static const struct {
-        const char *id;
-        OptionField field;
-        const char *typed, *shown;
-    } cases[] = {
-        {"show-1.1", OPTION_SAMPLES, "-3", "1"}, {"show-1.2", OPTION_START, "1", "Auto"},
-        {"show-1.3", OPTION_START, "2", "2"},    {"show-1.4", OPTION_END, "0", "2"},
-        {"show-1.5", OPTION_FACTOR, "1", "1.1"}, {"show-1.6", OPTION_FACTOR, "1.25", "1.25"},
+    static const struct { OptionField field; const char *typed; double stored; const char *shown; } cases[] = {
+        {OPTION_SAMPLES, "-3", 1, "1"},      {OPTION_SAMPLES, "0", 1, "1"},     {OPTION_SAMPLES, "abc", 1, "1"},
+        {OPTION_SAMPLES, "12", 12, "12"},    {OPTION_START, "1", -1, "Auto"},   {OPTION_START, "2", 2, "2"},
+        {OPTION_START, "Auto", -1, "Auto"},  {OPTION_START, "-7", -1, "Auto"},  {OPTION_START, "250", 250, "250"},
+        {OPTION_END, "0", 2, "2"},           {OPTION_END, "-1", 2, "2"},        {OPTION_END, "1", 1, "1"},
+        {OPTION_END, "", 2, "2"},            {OPTION_FACTOR, "1", 1.1f, "1.1"}, {OPTION_FACTOR, "0.5", 1.1f, "1.1"},
+        {OPTION_FACTOR, "abc", 1.1f, "1.1"}, {OPTION_FACTOR, "1.0001", 1.0001f, "1.0001"},
+        {OPTION_FACTOR, "1.25", 1.25f, "1.25"},
     };
     for (const auto &c : cases) {
         ApplyOptionInput(c.field, c.typed);
+        const double got[] = {(double)options.nsamples, (double)options.boxstart, (double)options.boxend,
+                              (double)options.boxfactor};
+        EXPECT_EQ(got[c.field == OPTION_SAMPLES ? 0 : c.field == OPTION_START ? 1 : c.field == OPTION_END ? 2 : 3],
+                  c.stored)
+            << "typed \"" << c.typed << "\"";
         char text[256];
         FormatOptionField(c.field, text, sizeof text);
-        EXPECT_STREQ(text, c.shown) << c.id;
+        EXPECT_STREQ(text, c.shown) << "typed \"" << c.typed << "\"";
         // What a field shows reads back as the same setting.
         const Options before = options;
         ApplyOptionInput(c.field, text);
-        EXPECT_EQ(0, memcmp(&before, &options, sizeof options)) << c.id << ": round trip";
+        EXPECT_EQ(0, memcmp(&before, &options, sizeof options)) << "round trip of \"" << text << "\"";
     }
 }
 
-// ---------------------------------------------------------------- title
-
-TEST_F(Commands, TitleNamesFileAndScale)
+TEST_F(Commands, TitleIsCutToItsBuffer)
 {
     char title[256];
     FormatTitle(title, sizeof title);
     EXPECT_STREQ(title, "Quorl : No Image (1:1)");
 
-    // boundary: the longest name the record holds does not overrun the title
-    memset(options.filename, 'a', sizeof options.filename - 1);
+    memset(options.filename, 'a', sizeof options.filename - 1);  // the longest name the record holds
     options.filename[sizeof options.filename - 1] = '\0';
     options.scale = 4;
     char small[32];
@@ -108,62 +78,39 @@ TEST_F(Commands, TitleNamesFileAndScale)
     EXPECT_EQ(small[16], 'x');
 }
 
-// ---------------------------------------------------------------- images
-
-TEST_F(Commands, OpenWithoutANameChangesNothing)
-{
-    Steps(1000);
-    const int n = nresults;
-    EXPECT_EQ(OpenImage(nullptr), 0);
-    EXPECT_EQ(OpenImage(""), 0);
-    EXPECT_EQ(nresults, n);
-}
-
-TEST_F(Commands, OpenReadsTheFileAndResetsTheAnalysis)
+TEST_F(Commands, OpenResetsTheAnalysisAndKeepsTheRegion)
 {
     options.processing = 1;
+    options.useregion = 1;
+    options.left = 10;
+    options.right = 50;
     Steps(5000);
     ASSERT_GT(nresults, 1);
+    EXPECT_EQ(OpenImage(nullptr), 0);  // a cancelled selector changes nothing
+    EXPECT_GT(nresults, 1);
     const std::string name = QUORL_EXAMPLES "/dust.tga";
     EXPECT_EQ(OpenImage(name.c_str()), 1);
     EXPECT_STREQ(options.filename, name.c_str());
     EXPECT_EQ(options.imagewidth, 729);
-    EXPECT_EQ(nresults, 1);
-    EXPECT_EQ(nboxlist, 0);
+    EXPECT_TRUE(nresults == 1 && nboxlist == 0);
     EXPECT_EQ(options.processing, 1) << "a running analysis goes on, reset";
-}
+    EXPECT_TRUE(options.left == 10 && options.right == 50) << "a region given at start survives";
 
-TEST_F(Commands, UnreadableFileGivesTheBlankImage)
-{
-    static const std::string too_long(300, 'n');
-    const char *names[] = {"/nonexistent/dir/image.tga", too_long.c_str()};
-    for (const char *name : names) {
-        ASSERT_EQ(OpenImage(QUORL_EXAMPLES "/dust.tga"), 1);
-        EXPECT_EQ(OpenImage(name), 1) << name;
+    // Unreadable, or a name too long for the record: the blank image.
+    const std::string too_long(300, 'n');
+    for (const char *bad : {"/nonexistent/dir/image.tga", too_long.c_str()}) {
+        ASSERT_EQ(OpenImage(name.c_str()), 1);
+        EXPECT_EQ(OpenImage(bad), 1) << bad;
         EXPECT_STREQ(options.filename, "No Image");
-        EXPECT_EQ(options.imagewidth, 400);
-        EXPECT_EQ(options.imageheight, 300);
-        EXPECT_EQ(nresults, 1);
+        EXPECT_TRUE(options.imagewidth == 400 && options.imageheight == 300 && nresults == 1) << bad;
     }
-}
-
-TEST_F(Commands, RegionGivenAtStartSurvivesOpen)
-{
-    options.useregion = 1;
-    options.left = 10;
-    options.right = 50;
-    OpenImage(QUORL_EXAMPLES "/dust.tga");
-    EXPECT_EQ(options.left, 10);
-    EXPECT_EQ(options.right, 50);
 }
 
 TEST_F(Commands, InvertTwiceRestoresTheImage)
 {
     ASSERT_EQ(OpenImage(QUORL_EXAMPLES "/carpet.tga"), 1);
     const size_t n = (size_t)options.imagewidth * options.imageheight;
-    const std::string orig((const char *)image, n * sizeof *image);
-    const std::string bw((const char *)bwimage, n);
-
+    const std::string orig((const char *)image, n * sizeof *image), bw((const char *)bwimage, n);
     Steps(3000);
     InvertImage();
     EXPECT_EQ(nresults, 1) << "inverting resets the analysis";
@@ -176,12 +123,9 @@ TEST_F(Commands, InvertTwiceRestoresTheImage)
     EXPECT_EQ(std::string((const char *)bwimage, n), bw);
 }
 
-// ---------------------------------------------------------------- start, stop
-
 TEST_F(Commands, StartRestartsAndStopKeepsTheTable)
 {
     StartProcessing();
-    EXPECT_EQ(options.processing, 1);
     Steps(20000);
     const int n = nresults;
     ASSERT_GT(n, 2);
@@ -189,11 +133,9 @@ TEST_F(Commands, StartRestartsAndStopKeepsTheTable)
     EXPECT_EQ(options.processing, 0);
     EXPECT_EQ(nresults, n) << "stop resets nothing";
     StartProcessing();
-    EXPECT_EQ(nresults, 1) << "start begins again from the first size";
-    EXPECT_EQ(nboxlist, 0);
+    EXPECT_EQ(options.processing, 1);
+    EXPECT_TRUE(nresults == 1 && nboxlist == 0) << "start begins again from the first size";
 }
-
-// ---------------------------------------------------------------- idle loop
 
 double fake_now;
 double FakeClock(void)
@@ -202,15 +144,12 @@ double FakeClock(void)
     return fake_now;
 }
 
-TEST_F(Commands, IdleRedrawsEveryCallWhenNotProcessing)
+TEST_F(Commands, IdleRedrawThrottle)
 {
-    options.processing = 0;
+    options.processing = 0;  // idle: every call redraws
     fake_now = 1000.0;
     for (int i = 0; i < 50; i++) EXPECT_EQ(IdleStep(FakeClock), 1) << "call " << i;
-}
 
-TEST_F(Commands, IdleRedrawsAtMostEveryTenthSecondWhileProcessing)
-{
     options.nsamples = 1000;  // stays running for every call below
     options.processing = 1;
     fake_now = 2000.0;
@@ -225,25 +164,17 @@ TEST_F(Commands, IdleRedrawsAtMostEveryTenthSecondWhileProcessing)
         last = fake_now;
     }
     EXPECT_GE(redraws, 25);
-    EXPECT_EQ(options.processing, 1);
-}
 
-TEST_F(Commands, IdleRedrawsAtOnceWhenTheAnalysisFinishes)
-{
+    // The call that finishes the analysis redraws at once.
     options.nsamples = 1;
-    options.boxstart = 3;
-    options.boxend = 3;
+    options.boxstart = options.boxend = 3;
     StartProcessing();
     fake_now = 3000.0;
     IdleStep(FakeClock);
-    int calls = 1;
-    int last = 0;
-    while (options.processing && calls < 1000000) {
-        last = IdleStep(FakeClock);
-        calls++;
-    }
-    EXPECT_EQ(options.processing, 0) << "the finish clears processing";
-    EXPECT_EQ(last, 1) << "the finishing call redraws";
+    int final_call = 0;
+    for (int calls = 0; options.processing && calls < 1000000; calls++) final_call = IdleStep(FakeClock);
+    EXPECT_EQ(options.processing, 0);
+    EXPECT_EQ(final_call, 1);
 }
 
 }  // namespace
