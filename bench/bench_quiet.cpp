@@ -118,8 +118,10 @@ int phases(const char *name)
     long steps = 1;
     while (!BoxCount(1)) steps++;
     const double t4 = seconds();
-    printf("read %.3f threshold %.3f table %.3f count %.3f s (%ld boxes)\n", t1 - t0, t2 - t1,
-           t3 - t2, t4 - t3, steps);
+    long occupied = 0;  // each one appended to the box list
+    for (int i = 0; i < nresults; i++) occupied += results[i].count;
+    printf("read %.3f threshold %.3f table %.3f count %.3f s (%ld boxes, %ld occupied)\n", t1 - t0,
+           t2 - t1, t3 - t2, t4 - t3, steps, occupied);
     return 0;
 }
 
