@@ -12,8 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <sys/mman.h>
-#include <unistd.h>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -136,22 +134,6 @@ struct BlackTable {
 };
 BlackTable table;
 
-// Large pages for a large table: far fewer page faults while it is built
-// and fewer address-translation misses while grids walk it. Only a request;
-// where the system declines, nothing changes.
-void ask_huge_pages(void *p, size_t bytes)
-{
-#ifdef MADV_HUGEPAGE
-    const uintptr_t page = (uintptr_t)sysconf(_SC_PAGESIZE);
-    const uintptr_t start = ((uintptr_t)p + page - 1) & ~(page - 1);
-    const uintptr_t end = ((uintptr_t)p + bytes) & ~(page - 1);
-    if (end > start) madvise((void *)start, end - start, MADV_HUGEPAGE);
-#else
-    (void)p;
-    (void)bytes;
-#endif
-}
-
 constexpr int piece_cols = 256, piece_rows = 255;  // 65280 pixels per piece
 
 bool table_matches(void)
@@ -257,7 +239,7 @@ int MakeBlackTable(void)
         const size_t bytes = sizeof(uint16_t) * ((size_t)w + 1) * ((size_t)h + 1);
         table.sum = (uint16_t *)malloc(bytes);
         if (!table.sum) return 0;
-        ask_huge_pages(table.sum, bytes);
+        AskHugePages(table.sum, bytes);  // far fewer faults while it is filled
     }
     const size_t stride = (size_t)w + 1;
     uint16_t *below = table.sum;

@@ -7,6 +7,9 @@
 #include <cstring>
 #include <memory>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include "app/boxcount.h"
 #include "app/options.h"
 #include "bitmap/resample.h"
@@ -76,6 +79,20 @@ void make_screen_copy(void)
 
 }  // namespace
 
+void AskHugePages(void *p, size_t bytes)
+{
+#ifdef MADV_HUGEPAGE
+    if (bytes < ((size_t)4 << 20)) return;  // small arrays: not worth a syscall or the bloat
+    const uintptr_t page = (uintptr_t)sysconf(_SC_PAGESIZE);
+    const uintptr_t start = ((uintptr_t)p + page - 1) & ~(page - 1);
+    const uintptr_t end = ((uintptr_t)p + bytes) & ~(page - 1);
+    if (end > start) madvise((void *)start, end - start, MADV_HUGEPAGE);
+#else
+    (void)p;
+    (void)bytes;
+#endif
+}
+
 int LoadTGA(const char *name)
 {
     if (strlen(name) >= sizeof options.filename) {
@@ -101,6 +118,7 @@ int LoadTGA(const char *name)
         fprintf(stderr, "   Failed to create image\n");
         return 0;
     }
+    AskHugePages(image, sizeof(BitmapPixel) * (size_t)options.imagewidth * options.imageheight);
     if (TGA_Read(f.get(), image, &options.imagewidth, &options.imageheight) != TGA_OK) {
         fprintf(stderr, "   Image read failed\n");
         return 0;
@@ -129,6 +147,7 @@ int ThresholdImage(void)
     unsigned char *bw = (unsigned char *)realloc(bwimage, n ? n : 1);
     if (!bw) return -1;
     bwimage = bw;
+    AskHugePages(bw, n);
 
     // Branch-free in 16-bit arithmetic so that the compiler does many pixels
     // at a time: a black pixel has every channel below 128, and then the sum
