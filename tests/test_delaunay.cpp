@@ -228,9 +228,7 @@ TEST(Delaunay, MatchesScipy)
     // Framed sets must match scipy triangle for triangle; a plain set may lack
     // thin hull triangles whose circles reach the enclosing triangle.
     const struct { const char *id; int n, ring; unsigned seed; const char *mode; } cs[] = {
-        {"dt-2.1", 100, 40, 11, "full"},
-        {"dt-2.2", 1000, 100, 12, "full"},
-        {"dt-2.3", 5000, 200, 13, "full"},
+        {"dt-2.1", 100, 40, 11, "full"}, {"dt-2.2", 1000, 100, 12, "full"}, {"dt-2.3", 5000, 200, 13, "full"},
         {"dt-2.4", 800, 0, 14, "subset"},
     };
     for (const auto &c : cs) {

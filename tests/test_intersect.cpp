@@ -130,26 +130,19 @@ TEST(PlanePolygons, OrientationConvexitySide)
 {
     const Vec2 sq[4] = {{0, 0}, {0, 1}, {1, 1}, {1, 0}}, rev[4] = {{1, 0}, {1, 1}, {0, 1}, {0, 0}};
     const Vec2 arrow[4] = {{0, 0}, {2, 1}, {0, 2}, {1, 1}}, line[3] = {{0, 0}, {1, 1}, {2, 2}};
-    EXPECT_EQ(ClockWise(sq, 4), 1);
-    EXPECT_EQ(ClockWise(rev, 4), -1);
-    EXPECT_EQ(ClockWise(line, 3), 0);
-    EXPECT_EQ(ConvexPolygon(sq, 4), 1);
-    EXPECT_EQ(ConvexPolygon(arrow, 4), -1);
-    EXPECT_EQ(ConvexPolygon(line, 3), 0);
-    EXPECT_EQ(WhichSide({0, 1}, {0, 0}, {1, 0}), -1);
-    EXPECT_EQ(WhichSide({0, -1}, {0, 0}, {1, 0}), 1);
-    EXPECT_EQ(WhichSide({5, 0}, {0, 0}, {1, 0}), 0);
-
-    // The arrow-head's notch at (1, 1) leaves (0.5, 1) outside.
-    EXPECT_EQ(PointInPolygon(arrow, 4, {1.5, 1}), 1);
-    EXPECT_EQ(PointInPolygon(arrow, 4, {0.5, 1}), 0);
-    EXPECT_EQ(PointInPolygon(sq, 2, {0.5, 0.5}), 0);
     const Vec2 a = {0, 0}, b = {4, 0}, c = {0, 4};
-    EXPECT_EQ(InTriangle({1, 1}, a, b, c), 1);
-    EXPECT_EQ(InTriangle({1, 1}, a, c, b), 1);  // either order
-    EXPECT_EQ(InTriangle({2, 2}, a, b, c), 1);  // on the hypotenuse
-    EXPECT_EQ(InTriangle({3, 3}, a, b, c), 0);
-    EXPECT_EQ(InTriangle({1, 1}, a, {1, 1}, {2, 2}), 0);  // degenerate
+    const struct { const char *id; int got, want; } cases[] = {
+        {"cw sq", ClockWise(sq, 4), 1}, {"cw rev", ClockWise(rev, 4), -1}, {"cw line", ClockWise(line, 3), 0},
+        {"convex sq", ConvexPolygon(sq, 4), 1}, {"convex arrow", ConvexPolygon(arrow, 4), -1},
+        {"convex line", ConvexPolygon(line, 3), 0}, {"side above", WhichSide({0, 1}, {0, 0}, {1, 0}), -1},
+        {"side below", WhichSide({0, -1}, {0, 0}, {1, 0}), 1}, {"side on", WhichSide({5, 0}, {0, 0}, {1, 0}), 0},
+        // The arrow-head's notch at (1, 1) leaves (0.5, 1) outside.
+        {"in arrow", PointInPolygon(arrow, 4, {1.5, 1}), 1}, {"notch", PointInPolygon(arrow, 4, {0.5, 1}), 0},
+        {"two corners", PointInPolygon(sq, 2, {0.5, 0.5}), 0}, {"in tri", InTriangle({1, 1}, a, b, c), 1},
+        {"in tri reversed", InTriangle({1, 1}, a, c, b), 1}, {"on hypotenuse", InTriangle({2, 2}, a, b, c), 1},
+        {"outside tri", InTriangle({3, 3}, a, b, c), 0}, {"degenerate", InTriangle({1, 1}, a, {1, 1}, {2, 2}), 0},
+    };
+    for (const auto &t : cases) EXPECT_EQ(t.got, t.want) << t.id;
 }
 
 TEST(Facets, PlanesAndPolygons)

@@ -37,13 +37,11 @@ TEST(Rle, PacketBytes)
         {"rle-1.2", Bytes(300, 0), {0x7f, 0, 0x7f, 0, 0x2e, 0}},
         {"rle-1.3", pattern("ABCDEF"), {0xfa, 'A', 'B', 'C', 'D', 'E', 'F'}},
         {"rle-1.4", pattern("ABBC"), {0xfc, 'A', 'B', 'B', 'C'}},
-        {"rle-1.5", pattern("ABBB"), {0xff, 'A', 0x03, 'B'}},
-        {"rle-1.6", pattern("A"), {0xff, 'A'}},
+        {"rle-1.5", pattern("ABBB"), {0xff, 'A', 0x03, 'B'}}, {"rle-1.6", pattern("A"), {0xff, 'A'}},
         {"rle-1.7", pattern("AB"), {0xfe, 'A', 'B'}},
         {"rle-1.8", pattern("ABB"), {0xfd, 'A', 'B', 'B'}},  // a trailing pair stays
         {"rle-1.9", pattern("AABCCCD"), {0x02, 'A', 0xff, 'B', 0x03, 'C', 0xff, 'D'}},
-        {"rle-1.10", Bytes(128, 5), {0x7f, 5, 0xff, 5}},
-        {"rle-1.11", limit, limit_want},
+        {"rle-1.10", Bytes(128, 5), {0x7f, 5, 0xff, 5}}, {"rle-1.11", limit, limit_want},
     };
     for (const auto &c : cases) EXPECT_EQ(compress(c.in), c.want) << c.id;
 

@@ -115,8 +115,7 @@ TEST(TgaRead, FailureCodesInOrderOfPrecedence)
 TEST(TgaMergeBytes, EveryValueSize)
 {
     const struct { const char *id; Bytes in; int r, g, b, a; } cases[] = {
-        {"merge-1.1", {77}, 77, 77, 77, 255},
-        {"merge-1.2", {0xFF, 0xFF}, 248, 248, 248, 128},
+        {"merge-1.1", {77}, 77, 77, 77, 255}, {"merge-1.2", {0xFF, 0xFF}, 248, 248, 248, 128},
         {"merge-1.3", {0x00, 0x00}, 0, 0, 0, 0},
         {"merge-1.4", {0x00, 0x7C}, 248, 0, 0, 0},     // red field alone
         {"merge-1.5", {0xE0, 0x03}, 0, 248, 0, 0},     // green straddles both bytes

@@ -72,8 +72,7 @@ Bytes rows_rgb(const Image &im, int nx, int ny, bool last_first, bool alpha)
 TEST(writer_bytes, HexStringAndLongInt)
 {
     static const struct { const char *id, *text, *want; int ok; } cases[] = {
-        {"hex-1.1", "", "", 1},
-        {"hex-1.2", "4d4D002a", "4d 4d 00 2a", 1},
+        {"hex-1.1", "", "", 1}, {"hex-1.2", "4d4D002a", "4d 4d 00 2a", 1},
         {"hex-1.3", "abc", "ab 0c", 1},  // odd final digit stands alone
         {"hex-1.4", "F", "0f", 1},
         {"hex-1.5", "00ff0g", "", 0},    // a non-digit writes nothing at all
@@ -137,16 +136,11 @@ TEST(writer_rle, Packets)
 {
     const std::string ab64 = rep("AB", 64);  // 128 pixels, no two neighbours equal
     const struct { std::string id, row; int bytes; std::string want; } cases[] = {
-        {"rle-1.1", rep("A", 300), 3, "#FF A #FF A #AB A"},
-        {"rle-1.2", "ABC", 3, "#02 ABC"},
-        {"rle-1.3", "ABB", 3, "#00 A #81 B"},
-        {"rle-1.4", "AB", 3, "#01 AB"},
-        {"rle-1.5", "A", 3, "#80 A"},
-        {"rle-1.6", "AAB", 4, "#81 A #80 B"},
-        {"rle-1.7", "ABCC", 4, "#01 AB #81 C"},
+        {"rle-1.1", rep("A", 300), 3, "#FF A #FF A #AB A"}, {"rle-1.2", "ABC", 3, "#02 ABC"},
+        {"rle-1.3", "ABB", 3, "#00 A #81 B"}, {"rle-1.4", "AB", 3, "#01 AB"}, {"rle-1.5", "A", 3, "#80 A"},
+        {"rle-1.6", "AAB", 4, "#81 A #80 B"}, {"rle-1.7", "ABCC", 4, "#01 AB #81 C"},
         {"rle-1.8", "Aa", 3, "#01 Aa"},  // alpha tells them apart though it is not written
-        {"rle-1.9", "AAaa", 4, "#81 A #81 a"},
-        {"rle-1.10", rep("A", 129), 4, "#FF A #80 A"},
+        {"rle-1.9", "AAaa", 4, "#81 A #81 a"}, {"rle-1.10", rep("A", 129), 4, "#FF A #80 A"},
         // 128 raw, then X V V with V the 128th value: the run carries V over X.
         {"rle-2.1", ab64 + "XBB", 3, "#7F " + ab64 + " #82 B"},
         // A lone last pixel after 128 raw ones is written as itself.
@@ -419,20 +413,13 @@ TEST(writer_readers, ImageMagickGhostscriptNetpbm)
     enum { IM_RGB, IM_RGBA, GS, NETPBM };
     // top: the written first row is shown on top (PPM, TIFF, EPS).
     static const struct { const char *id, *name; int code, nx, decoder; bool top, grey; } cases[] = {
-        {"read-1.1", "a.tga", 1, 6, IM_RGB, false, false},
-        {"read-1.2", "b.tga", -1, 6, IM_RGB, false, false},
-        {"read-1.3", "c.tga", 11, 6, IM_RGBA, false, false},
-        {"read-1.4", "d.tga", 12, 6, IM_RGB, false, false},
-        {"read-1.5", "e.tga", 13, 6, IM_RGBA, false, false},
-        {"read-1.6", "f.tga", -13, 6, IM_RGBA, false, false},
-        {"read-2.1", "a.ppm", -2, 6, IM_RGB, true, false},
-        {"read-2.2", "b.ppm", 2, 6, NETPBM, true, false},
-        {"read-3.1", "a.bmp", 9, 8, IM_RGB, false, false},
-        {"read-3.2", "b.bmp", -9, 4, IM_RGB, false, false},
-        {"read-4.1", "a.tif", -5, 6, IM_RGB, true, false},
-        {"read-5.1", "a.eps", -6, 6, GS, true, false},
-        {"read-5.2", "b.eps", 6, 6, GS, true, false},
-        {"read-5.3", "c.eps", -7, 6, GS, true, true},
+        {"read-1.1", "a.tga", 1, 6, IM_RGB, false, false}, {"read-1.2", "b.tga", -1, 6, IM_RGB, false, false},
+        {"read-1.3", "c.tga", 11, 6, IM_RGBA, false, false}, {"read-1.4", "d.tga", 12, 6, IM_RGB, false, false},
+        {"read-1.5", "e.tga", 13, 6, IM_RGBA, false, false}, {"read-1.6", "f.tga", -13, 6, IM_RGBA, false, false},
+        {"read-2.1", "a.ppm", -2, 6, IM_RGB, true, false}, {"read-2.2", "b.ppm", 2, 6, NETPBM, true, false},
+        {"read-3.1", "a.bmp", 9, 8, IM_RGB, false, false}, {"read-3.2", "b.bmp", -9, 4, IM_RGB, false, false},
+        {"read-4.1", "a.tif", -5, 6, IM_RGB, true, false}, {"read-5.1", "a.eps", -6, 6, GS, true, false},
+        {"read-5.2", "b.eps", 6, 6, GS, true, false}, {"read-5.3", "c.eps", -7, 6, GS, true, true},
         {"read-5.4", "d.eps", -7, 100, GS, true, true},
     };
     int tried = 0;
