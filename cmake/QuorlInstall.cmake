@@ -50,10 +50,12 @@ panels, or quietly from the command line. The package also holds the static rast
 image and utility libraries the program is built on, with their headers, pkg-config \
 files and a CMake package.")
 set(CPACK_PACKAGE_CONTACT "Quorl maintainers <quorl@example.org>")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+# `make package_source`: the sources without build trees or caches.
+set(CPACK_SOURCE_GENERATOR TGZ)
+set(CPACK_SOURCE_IGNORE_FILES "^${PROJECT_SOURCE_DIR}/\\\\.git/" "^${PROJECT_SOURCE_DIR}/build" "__pycache__")
 include(CPack)
