@@ -253,11 +253,12 @@ int MakeBlackTable(void)
 #ifdef __SSE2__
         // Eight pixels at a time: a running sum across the lanes by three
         // shifted adds, then the total so far carried into every lane.
-        const __m128i zero = _mm_setzero_si128(), white = _mm_set1_epi8(-1);
+        const __m128i zero = _mm_setzero_si128(), minus_one = _mm_set1_epi8(-1);
         __m128i carry = zero;
         for (; x + 8 <= w; x += 8) {
             const __m128i bytes = _mm_loadl_epi64((const __m128i *)(bw + x));
-            const __m128i dark = _mm_cmpgt_epi8(bytes, white);  // high bit clear: black
+            // As signed bytes, black (high bit clear) is 0 or more: above -1.
+            const __m128i dark = _mm_cmpgt_epi8(bytes, minus_one);
             __m128i v = _mm_srli_epi16(_mm_unpacklo_epi8(dark, zero), 7);
             v = _mm_add_epi16(v, _mm_slli_si128(v, 2));
             v = _mm_add_epi16(v, _mm_slli_si128(v, 4));

@@ -77,6 +77,30 @@ void make_screen_copy(void)
     options.invert = 0;
 }
 
+// Writes dark where a pixel is black, else 255 - dark. Branch-free in 16-bit
+// arithmetic so that the compiler does many pixels at a time: a black pixel
+// has every channel below 128, and then the sum of squares (at most 48387)
+// fits 16 bits. Returns the AND of all bytes written, whose high bit is clear
+// once any is black. On x86-64 a second copy uses AVX2 where the processor
+// has it, which makes this about twice as fast.
+#if defined(__x86_64__) && defined(__GNUC__)
+[[gnu::target_clones("avx2", "default")]]
+#endif
+unsigned char threshold(const BitmapPixel *__restrict px, unsigned char *__restrict out, size_t n,
+                        unsigned char dark)
+{
+    const unsigned char light = 255 - dark;
+    unsigned char all = 255;
+    for (size_t i = 0; i < n; i++) {
+        const uint16_t r = px[i].r, g = px[i].g, b = px[i].b;
+        const uint16_t s = (uint16_t)(r * r + g * g + b * b);
+        const unsigned char v = ((r | g | b) < 128) & (s < 16384) ? dark : light;
+        out[i] = v;
+        all &= v;
+    }
+    return all;
+}
+
 }  // namespace
 
 void AskHugePages(void *p, size_t bytes)
@@ -149,22 +173,7 @@ int ThresholdImage(void)
     bwimage = bw;
     AskHugePages(bw, n);
 
-    // Branch-free in 16-bit arithmetic so that the compiler does many pixels
-    // at a time: a black pixel has every channel below 128, and then the sum
-    // of squares (at most 48387) fits 16 bits. The AND of all bytes has its
-    // high bit clear once any byte is black.
-    const unsigned char dark = options.invert ? 255 : 0, light = 255 - dark;
-    const BitmapPixel *__restrict px = image;
-    unsigned char *__restrict out = bw;
-    unsigned char all = 255;
-    for (size_t i = 0; i < n; i++) {
-        const uint16_t r = px[i].r, g = px[i].g, b = px[i].b;
-        const uint16_t s = (uint16_t)(r * r + g * g + b * b);
-        const unsigned char v = ((r | g | b) < 128) & (s < 16384) ? dark : light;
-        out[i] = v;
-        all &= v;
-    }
-    return all < 128;
+    return threshold(image, bw, n, options.invert ? 255 : 0) < 128;
 }
 
 int UpdateImages(void)
