@@ -38,8 +38,8 @@ void make_screen_copy(void)
     options.scale = 1;
 
     int sw = 0, sh = 0;
-    if (images_screensize) images_screensize(&sw, &sh);
     if (images_screensize) {
+        images_screensize(&sw, &sh);
         // Width first, then height; both limits in integer arithmetic.
         while (options.windowwidth > (3 * sw) / 4) {
             options.windowwidth /= 2;
@@ -94,7 +94,7 @@ unsigned char threshold(const BitmapPixel *__restrict px, unsigned char *__restr
     for (size_t i = 0; i < n; i++) {
         const uint16_t r = px[i].r, g = px[i].g, b = px[i].b;
         const uint16_t s = (uint16_t)(r * r + g * g + b * b);
-        const unsigned char v = ((r | g | b) < 128) & (s < 16384) ? dark : light;
+        const unsigned char v = (((r | g | b) < 128) & (s < 16384)) ? dark : light;
         out[i] = v;
         all &= v;
     }
