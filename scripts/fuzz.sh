@@ -26,7 +26,7 @@ run() {
     echo "fuzz_$name: $seconds s"
     # -rss_limit_mb and -malloc_limit_mb bound one input; -timeout catches hangs.
     if ! nice -n 10 "build-fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=10 \
-        -rss_limit_mb=2048 -malloc_limit_mb=512 -print_final_stats=1 \
+        -rss_limit_mb=2560 -malloc_limit_mb=512 -print_final_stats=1 \
         -artifact_prefix="build-fuzz/findings/$name-" "$@" \
         "build-fuzz/corpus/$name" "fuzz/corpus/$name" >"build-fuzz/fuzz_$name.log" 2>&1; then
         tail -n 60 "build-fuzz/fuzz_$name.log"
