@@ -8,6 +8,7 @@
 // analysis costs about as much as reading the image.
 #include "app/boxcount.h"
 
+#include <climits>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -31,7 +32,7 @@ void (*boxcount_gridhook)(void) = nullptr;
 namespace {
 
 int boxsize = 1;           // size of the grid being counted
-int left0, bottom0;        // lower-left corner of the next box to test
+long long left0, bottom0;  // lower-left corner of the next box to test
 int noffset;               // 1-based number of the current pass
 int offsetx, offsety;      // offset of the current grid
 int cycles;                // steps since the last reset
@@ -58,6 +59,17 @@ template <typename T> void append(T *&array, int &n, int &length, const T &item)
     array[n++] = item;
 }
 
+// Grid corners near the int limits: the corner of the next box is kept in 64
+// bits so that stepping past the largest int moves on to the next row (or ends
+// the grid) instead of overflowing. Corners handed on are saturated to int;
+// a saturated box lies wholly beyond the region on that side, or reaches past
+// it, so the box test gives the same answer and a stored box the same extent
+// within the image.
+inline int sat(long long v)
+{
+    return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : (int)v;
+}
+
 int start_size(void)
 {
     if (options.boxstart >= 0) return options.boxstart;
@@ -71,8 +83,8 @@ void draw_offset(void)
 {
     offsetx = (int)(boxsize * drand48());
     offsety = (int)(boxsize * drand48());
-    left0 = options.left - offsetx;
-    bottom0 = options.bottom - offsety;
+    left0 = (long long)options.left - offsetx;
+    bottom0 = (long long)options.bottom - offsety;
 }
 
 bool black(int x, int y)
@@ -189,7 +201,7 @@ bool table_matches(void)
 [[gnu::noinline]] void occupied(int s)
 {
     results[nresults - 1].count++;
-    append(boxlist, nboxlist, boxlistlength, BoxRect{left0, left0 + s, bottom0 + s, bottom0, 1});
+    append(boxlist, nboxlist, boxlistlength, BoxRect{sat(left0), sat(left0 + s), sat(bottom0 + s), sat(bottom0), 1});
 }
 
 // The grid of size s is complete: report it, then set up the next grid, the
@@ -321,10 +333,10 @@ int BoxCount(int mode)
 
     // The one box of this step; everything else here is rare.
     const int s = boxsize;
-    if (BlackInRect(left0, left0 + s, bottom0, bottom0 + s)) occupied(s);
+    if (BlackInRect(sat(left0), sat(left0 + s), sat(bottom0), sat(bottom0 + s))) occupied(s);
     left0 += s;
     if (left0 >= options.right) {
-        left0 = options.left - offsetx;
+        left0 = (long long)options.left - offsetx;
         bottom0 += s;
     }
     if (bottom0 < options.top) return 0;

@@ -1,7 +1,9 @@
 // app/quorl.cpp - start-up: settings, command line, the window system (unless
 // quiet), image, and then either the interactive loop or the quiet run.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "app/boxcount.h"
 #include "app/estimate.h"
@@ -45,11 +47,12 @@ int main(int argc, char **argv)
     if (!options.quiet) RunInteractive();
 #endif
 
-    // A zero start size (automatic, on a region under 5 pixels across) never
-    // advances the scan; say so rather than leave the user at a silent hang.
-    if (results[0].size == 0 && options.right > options.left && options.top > options.bottom)
-        fprintf(stderr, "Warning, start box size is 0: the analysis cannot finish; "
-                        "give a start size with -b1\n");
+    // An automatic start size below 1 (a region under 5 pixels across, or one
+    // whose edges are crossed) never moves the scan up a row; say so rather
+    // than leave the user at a silent hang.
+    if (results[0].size < 1 && options.top > options.bottom)
+        fprintf(stderr, "Warning, start box size is %d: the analysis cannot finish; "
+                        "give a start size with -b1\n", results[0].size);
 
     options.processing = 1;
     while (!BoxCount(1)) {
@@ -59,5 +62,10 @@ int main(int argc, char **argv)
     if (options.useregion)
         printf(" in region: %d %d to %d %d\n", args.left, args.bottom, args.right, args.top);
     printf("\n");
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+        fprintf(stderr, "Failed to write the estimate to standard output: %s\n",
+                strerror(errno ? errno : EIO));
+        return -1;
+    }
     return 0;
 }

@@ -96,8 +96,27 @@ example = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "
 with open("/dev/full", "w") as full:
     p = subprocess.run([prog, "-q", "-i", example, "-n", "1"], stdout=full, stderr=subprocess.PIPE)
 check("full-1.1 standard output on a full disk",
-      "Failed to write results to standard output: No space left on device\n" in p.stderr.decode(),
-      p.stderr.decode()[-300:])
+      "Failed to write results to standard output: No space left on device\n" in p.stderr.decode()
+      and "Failed to write the estimate to standard output" in p.stderr.decode() and p.returncode == 255,
+      (p.returncode, p.stderr.decode()[-300:]))
+
+# Region edges at the int limits: the grid corners wrap instead of overflowing,
+# the boxes miss the region, and every count is 0.
+for args in (["-sl", "2147483647", "-b1", "2147483647"], ["-st", "2147483647", "-sb", "-2147483648", "-b1", "40"],
+             ["-sl", "2000", "-b1", "7"]):
+    status, out, err = run(prog, "-q", "-i", example, "-n", "2", *args, timeout=30)
+    check("edge-1.1 region " + " ".join(args), status == 0 and "Estimated fractal dimension" in out,
+          (status, out[-200:], err[-200:]))
+
+# An inverted region with the automatic start size gives a negative start
+# size, which never finishes: the user is warned at once.
+p = subprocess.Popen([prog, "-q", "-i", example, "-sl", "2000"], stdout=subprocess.DEVNULL,
+                     stderr=subprocess.PIPE)
+first = p.stderr.readline().decode()
+p.kill()
+p.wait()
+check("edge-1.1 negative start size warned",
+      first.startswith("Warning, start box size is -") and "-b1" in first, first)
 
 shutil.rmtree(tmp)
 finish()
