@@ -17,10 +17,16 @@ int main(int argc, char **argv)
     int w, h, d;
     TGA_Info(f, &w, &h, &d);
     BitmapPixel *bm = Create_Bitmap(w, h);
-    if (!bm) return 10;
+    if (!bm) {
+        fclose(f);
+        return 10;
+    }
     int code = TGA_Read(f, bm, &w, &h);
     fclose(f);
-    if (code) return code;
+    if (code) {
+        Destroy_Bitmap(bm);
+        return code;
+    }
     printf("P6\n%d %d\n255\n", w, h);
     for (int y = h - 1; y >= 0; y--)
         for (int x = 0; x < w; x++) {
