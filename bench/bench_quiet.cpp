@@ -66,7 +66,7 @@ int make_image(const char *kind, int side, const char *name)
     } else if (!strcmp(kind, "carpet")) {
         for (int y = 0; y < side; y++)
             for (int x = 0; x < side; x++) black[(size_t)y * side + x] = carpet_black(x, y);
-    } else if (strcmp(kind, "white")) {
+    } else if (strcmp(kind, "white") != 0) {
         return 0;
     }
 

@@ -84,7 +84,7 @@ TEST(dxf_readers, EzdxfLoadsTheDrawing)
     if (status == 77) GTEST_SKIP() << "ezdxf (python3-ezdxf) is not installed";
     ASSERT_EQ(status, 0) << out;
     for (const char *line : {"LAYER 1\n", "LAYER 2\n", "LTYPE CONTINUOUS\n", "EXTMAX 1000 1000\n",
-                             "POINT LAYER1 0 0 0\nLINE LAYER1 0 0 0 1 0.5 0\n"
+                             "POINT LAYER1 0 0 0\nLINE LAYER1 0 0 0 1 0.5 0\n"  // NOLINT(bugprone-suspicious-missing-comma): one block
                              "3DFACE LAYER1 0 0 0 1 0.5 0 1 1 1e+20 1 1 1e+20\n"
                              "3DFACE LAYER1 0 0 0 1 0.5 0 1 1 1e+20 -2.5 1 3\n"})
         EXPECT_NE(out.find(line), std::string::npos) << line << " missing from\n" << out;

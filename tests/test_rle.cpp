@@ -66,7 +66,7 @@ TEST(Rle, RoundTripsWithinWorstCase)
                 ASSERT_LE(packed.size(), in.size() + in.size() / 127 + 1) << alpha << " " << n;
                 // Well-formed: runs of 2..127, literals of 1..127, no empty packets.
                 for (size_t i = 0; i < packed.size();) {
-                    const int c = (signed char)packed[i];
+                    const int c = packed[i] < 128 ? packed[i] : packed[i] - 256;  // signed count byte
                     ASSERT_TRUE((c >= 2) || (c <= -1 && c >= -127)) << alpha << " " << n << " @" << i;
                     i += c > 0 ? 2 : 1 - c;
                 }

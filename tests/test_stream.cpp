@@ -101,7 +101,7 @@ TEST(StreamText, ReadLineOnMixedEnds)
 
 TEST(StreamText, UntilStringSkip)
 {
-    FILE *fp = stream_of(string("key=value;\0\n\x80z|tail", 20));
+    FILE *fp = stream_of(string("key=value;\0\n\x80z|tail", 19));
     char buf[32];
     EXPECT_TRUE(ReadUntil(fp, '=', buf));
     EXPECT_STREQ(buf, "key");

@@ -97,7 +97,7 @@ void put_normalised(Out &o, const double *x, long n)
     for (long i = 0; i < n; i++) put16be(o, to16((x[i] - s.mid) * full_scale / s.amp));
 }
 
-bool bad_args(FILE *fptr, const void *samples, long n)
+bool bad_args(const FILE *fptr, const void *samples, long n)
 {
     return !fptr || n < 0 || n > max_samples || (n > 0 && !samples);
 }

@@ -252,5 +252,10 @@ Quaternion Qexp(Quaternion q)
     const double r = sqrt(q.x * q.x + q.y * q.y + q.z * q.z);
     if (r == 0.0) return {e, 0.0, 0.0, 0.0};
     const double s = e * sin(r) / r;
-    return {e * cos(r), s * q.x, s * q.y, s * q.z};
+    Quaternion out;
+    out.w = e * cos(r);
+    out.x = s * q.x;
+    out.y = s * q.y;
+    out.z = s * q.z;
+    return out;
 }

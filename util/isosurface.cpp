@@ -345,7 +345,7 @@ int PolygoniseCube(GridCell g, double iso, Facet *tri)
     }
     if (index == 0 || index == 255) return 0;  // wholly on one side
 
-    Vec3 vert[12];
+    Vec3 vert[12] = {};
     for (int e = 0; e < 12; e++) {
         if (edgeTable[index] & (1 << e)) {
             const int a = edge_corner[e][0], b = edge_corner[e][1];
@@ -383,7 +383,7 @@ int PolygoniseTri(GridCell g, double iso, Facet *tri, int v0, int v1, int v2, in
     // Facets face the corners below iso: from the mean above to the mean below.
     Vec3 towards{0, 0, 0};
     for (int k = 0; k < 4; k++) {
-        const double w = index & (1 << k) ? 1.0 / nb : -1.0 / na;
+        const double w = (index & (1 << k)) ? 1.0 / nb : -1.0 / na;
         towards = VectorAdd(towards, VectorMul(g.p[c[k]], w));
     }
     if (nb == 1 || na == 1) {

@@ -43,7 +43,7 @@ void RLEUncompress(unsigned char *out, const unsigned char *in, int n)
 {
     int left = n;
     while (left > 0) {
-        const int c = (signed char)*in;
+        const int c = *in < 128 ? *in : *in - 256;  // the count byte is two's complement
         if (c > 0) {
             for (int i = 0; i < c; i++) *out++ = in[1];
             in += 2;

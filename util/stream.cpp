@@ -250,7 +250,7 @@ int IndexCopy(const char *src, char *dst, int from, int to)
     if ((long)strlen(src) < to) return 0;
     if (from > to) return 1;
     if (from < 0) return 0;  // would read before the string
-    const size_t n = (size_t)(to - from + 1);
+    const size_t n = (size_t)to - (size_t)from + 1;
     memcpy(dst, src + from, n);
     dst[n] = '\0';
     return 1;
