@@ -1,12 +1,17 @@
 #!/bin/sh
-# Sets everything up, builds, and runs the whole test suite; runs the static
-# analysis; then builds again with AddressSanitizer and UndefinedBehaviorSanitizer
-# and reruns every test that needs neither a display nor gigabytes of memory;
-# last, a short fuzzing run. Any failure, finding or sanitizer report fails it.
+# Sets everything up, builds, and runs the whole test suite; builds, installs
+# and runs the Debian package; runs the static analysis; then builds again
+# with AddressSanitizer and UndefinedBehaviorSanitizer and reruns every test
+# that needs neither a display, nor an installed tree, nor gigabytes of
+# memory; last, a short fuzzing run. Any failure, finding or sanitizer report
+# fails it.
 set -e
 cd "$(dirname "$0")/.."
 ./scripts/build.sh
 ctest --test-dir build --output-on-failure -j2
+
+# The Debian package: built, installed with dpkg, run, removed again.
+./scripts/package-test.sh build-package
 
 ./scripts/lint.sh
 
@@ -25,7 +30,7 @@ mkdir -p "$reports"
 failed=0
 ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=1:check_initialization_order=1:exitcode=86:log_path="$reports/report" \
 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1:exitcode=86:log_path="$reports/report" \
-    ctest --test-dir build-asan --output-on-failure -j2 -LE 'gui|heavy' || failed=1
+    ctest --test-dir build-asan --output-on-failure -j2 -LE 'gui|heavy|install' || failed=1
 if [ -n "$(ls "$reports")" ] ||
     grep -qE "runtime error:|ERROR: (Address|Leak)Sanitizer" build-asan/Testing/Temporary/LastTest.log; then
     cat "$reports"/* 2>/dev/null || true
