@@ -32,7 +32,7 @@ void (*boxcount_gridhook)(void) = nullptr;
 namespace {
 
 int boxsize = 1;           // size of the grid being counted
-long long left0, bottom0;  // lower-left corner of the next box to test
+int left0, bottom0;        // lower-left corner of the next box to test
 int noffset;               // 1-based number of the current pass
 int offsetx, offsety;      // offset of the current grid
 int cycles;                // steps since the last reset
@@ -59,15 +59,21 @@ template <typename T> void append(T *&array, int &n, int &length, const T &item)
     array[n++] = item;
 }
 
-// Grid corners near the int limits: the corner of the next box is kept in 64
-// bits so that stepping past the largest int moves on to the next row (or ends
-// the grid) instead of overflowing. Corners handed on are saturated to int;
-// a saturated box lies wholly beyond the region on that side, or reaches past
-// it, so the box test gives the same answer and a stored box the same extent
-// within the image.
+// Grid corners near the int limits. The corners are 32-bit; a step that
+// would carry one past the largest int ends the row (or the grid) instead, as
+// the corner would then lie beyond any region, and a box edge past the limit
+// is held at it, which leaves the box test's answer and the stored extent
+// within the image unchanged. Past the smallest int a corner is held there
+// (only a negative box size walks that way, and it never finishes anyway).
 inline int sat(long long v)
 {
     return v > INT_MAX ? INT_MAX : v < INT_MIN ? INT_MIN : (int)v;
+}
+
+inline int edge(int corner, int s)
+{
+    int e;
+    return __builtin_add_overflow(corner, s, &e) ? (s > 0 ? INT_MAX : INT_MIN) : e;
 }
 
 int start_size(void)
@@ -83,8 +89,8 @@ void draw_offset(void)
 {
     offsetx = (int)(boxsize * drand48());
     offsety = (int)(boxsize * drand48());
-    left0 = (long long)options.left - offsetx;
-    bottom0 = (long long)options.bottom - offsety;
+    left0 = sat((long long)options.left - offsetx);
+    bottom0 = sat((long long)options.bottom - offsety);
 }
 
 bool black(int x, int y)
@@ -201,7 +207,7 @@ bool table_matches(void)
 [[gnu::noinline]] void occupied(int s)
 {
     results[nresults - 1].count++;
-    append(boxlist, nboxlist, boxlistlength, BoxRect{sat(left0), sat(left0 + s), sat(bottom0 + s), sat(bottom0), 1});
+    append(boxlist, nboxlist, boxlistlength, BoxRect{left0, edge(left0, s), edge(bottom0, s), bottom0, 1});
 }
 
 // The grid of size s is complete: report it, then set up the next grid, the
@@ -333,11 +339,17 @@ int BoxCount(int mode)
 
     // The one box of this step; everything else here is rare.
     const int s = boxsize;
-    if (BlackInRect(sat(left0), sat(left0 + s), sat(bottom0), sat(bottom0 + s))) occupied(s);
-    left0 += s;
-    if (left0 >= options.right) {
-        left0 = (long long)options.left - offsetx;
-        bottom0 += s;
+    if (BlackInRect(left0, edge(left0, s), bottom0, edge(bottom0, s))) occupied(s);
+    int next;
+    const bool carried = __builtin_add_overflow(left0, s, &next);
+    if (carried ? s > 0 : next >= options.right) {
+        left0 = sat((long long)options.left - offsetx);
+        if (__builtin_add_overflow(bottom0, s, &bottom0)) {
+            if (s > 0) return end_grid(s);  // past the largest int: above any region
+            bottom0 = INT_MIN;
+        }
+    } else {
+        left0 = carried ? INT_MIN : next;
     }
     if (bottom0 < options.top) return 0;
     return end_grid(s);
