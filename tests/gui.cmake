@@ -6,7 +6,7 @@ if(TARGET quorlshell)
 endif()
 
 if(QUORL_GUI)
-  foreach(t startup processing window menus panels results)
+  foreach(t startup menus panels results)
     quorl_e2e_test(gui_${t} gui_${t}.py gui)
     set_tests_properties(gui_${t} PROPERTIES TIMEOUT 180)
   endforeach()
