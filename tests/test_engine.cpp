@@ -1,5 +1,5 @@
 // The box-counting engine: size sequences, grid geometry, counts, the box
-// list, the progress output and the box test.
+// list and the progress output.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -51,13 +51,6 @@ TEST_F(Engine, SizeSequences)
 
 TEST_F(Engine, CountsOnHandCheckedImages)
 {
-    // One black pixel: every grid has exactly one occupied box.
-    options.nsamples = 4;
-    use_image(50, 40, [](int x, int y) { return x == 17 && y == 23; });
-    run_to_end();
-    ASSERT_GT(nresults, 0);
-    for (int i = 0; i < nresults; i++) EXPECT_EQ(results[i].count, 1) << i;
-
     // All black: every box of the grid is occupied, ceil((side + offset) / s) per axis.
     options.nsamples = 1;
     options.boxstart = 7;
@@ -200,34 +193,4 @@ TEST_F(Engine, ProgressLines)
     ::testing::internal::CaptureStderr();
     run_to_end();
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-}
-
-TEST_F(Engine, BlackInRectClipsToTheRegion)
-{
-    options.useregion = 1;
-    options.left = 10;
-    options.right = 30;
-    options.bottom = 5;
-    options.top = 25;
-    // Black pixels just outside the region on every side, and one inside at (20, 15).
-    use_image(40, 30, [](int x, int y) {
-        return x == 9 || x == 30 || y == 4 || y == 25 || (x == 20 && y == 15);
-    });
-    const struct { const char *id; int x1, x2, y1, y2, want; } cases[] = {
-        {"rect-1.1", 0, 10, 0, 30, 0},     // wholly left of the region
-        {"rect-1.2", 30, 40, 0, 30, 0},    // wholly right: R <= x1
-        {"rect-1.3", 0, 40, 25, 30, 0},    // wholly above: T <= y1
-        {"rect-1.4", 0, 40, 0, 5, 0},      // wholly below
-        {"rect-1.5", 0, 20, 0, 30, 0},     // only the clipped part counts
-        {"rect-1.6", 0, 21, 0, 30, 1},     // now reaches column 20
-        {"rect-1.7", 20, 21, 15, 16, 1},   // a single pixel
-        {"rect-1.8", 21, 22, 0, 30, 0},    // a column beside it
-        {"rect-1.9", 20, 21, 0, 30, 1},    // its column
-        {"rect-1.10", 0, 40, 15, 16, 1},   // its row
-        {"rect-1.11", 19, 22, 14, 17, 1},  // 3 x 3: found in the interior
-        {"rect-1.12", 20, 20, 0, 30, 0},   // empty after clipping
-        {"rect-1.13", 16, 24, 11, 19, 1},  // interior of a larger box
-        {"rect-1.14", 21, 29, 6, 24, 0},
-    };
-    for (const auto &c : cases) EXPECT_EQ(BlackInRect(c.x1, c.x2, c.y1, c.y2), c.want) << c.id;
 }

