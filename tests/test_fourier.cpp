@@ -1,5 +1,5 @@
 // Fourier transforms and correlation: numpy.fft as the reference for scaling
-// and sign, round trips, the 2-D transform's refusals, and correlations.
+// and sign, round trips at sizes numpy does not check, the 2-D transform's refusals, and correlations.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -62,17 +62,10 @@ TEST(Fourier, AgreesWithNumpy)
     }
 }
 
-TEST(Fourier, ImpulseAndRoundTrips)
+TEST(Fourier, RoundTrips)
 {
-    Vec x(8, 0.0), y(8, 0.0);
-    x[0] = 1;
-    FFT(1, 3, x.data(), y.data());
-    for (int i = 0; i < 8; i++) EXPECT_TRUE(x[i] == 0.125 && y[i] == 0.0) << i;
-    FFT(-1, 3, x.data(), y.data());
-    for (int i = 0; i < 8; i++) EXPECT_TRUE(x[i] == (i == 0) && y[i] == 0.0) << i;
-
     RandomInitialise(1234, 5678);
-    for (int m = 0; m <= 12; m++) {
+    for (int m : {0, 5, 12}) {
         const int n = 1 << m;
         Vec x0(n), y0(n);
         for (int i = 0; i < n; i++) x0[i] = RandomDouble(-1, 1), y0[i] = RandomDouble(-1, 1);

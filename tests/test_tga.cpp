@@ -148,13 +148,11 @@ TEST(TgaRead, DecodesEveryKind)
         {"grey", header({.type = 3, .width = 3, .bits = 8}) + Bytes{0, 128, 255}, 1, 128, 128, 128, 255},
         {"32-bit", header({.width = 2, .bits = 32}) + Bytes{1, 2, 3, 4, 5, 6, 7, 8}, 1, 7, 6, 5, 8},
         {"16-bit red", header({.width = 2, .bits = 16}) + Bytes{0x00, 0x7C, 0x1F, 0x00}, 0, 248, 0, 0, 0},
-        {"16-bit blue", header({.width = 2, .bits = 16}) + Bytes{0x00, 0x7C, 0x1F, 0x00}, 1, 0, 0, 248, 0},
         // A true-colour file may carry a colour map and an ID; both are skipped.
         {"map and id skipped",
          header({.idlen = 3, .maptype = 1, .maplen = 2, .mapbits = 24}) + Bytes{'a', 'b', 'c'} + Bytes(6, 99) +
              Bytes{10, 20, 30}, 0, 30, 20, 10, 255},
         {"mapped", header(cmap) + map16 + Bytes{2, 15, 200}, 0, 102, 0, 2, 255},
-        {"mapped last", header(cmap) + map16 + Bytes{2, 15, 200}, 1, 115, 0, 15, 255},
         {"index past the map: last entry", header(cmap) + map16 + Bytes{2, 15, 200}, 2, 115, 0, 15, 255},
         // The map is read straight after the header, before the ID is
         // skipped: with a 1-byte ID the entries shift by one byte.
@@ -169,19 +167,14 @@ TEST(TgaRead, DecodesEveryKind)
         // A run of 4 then a raw packet of 3.
         {"rle run", header({.type = 10, .width = 7}) + Bytes{0x83, 1, 2, 3, 0x02, 10, 11, 12, 20, 21, 22, 30, 31, 32},
          3, 3, 2, 1, 255},
-        {"rle raw", header({.type = 10, .width = 7}) + Bytes{0x83, 1, 2, 3, 0x02, 10, 11, 12, 20, 21, 22, 30, 31, 32},
-         4, 12, 11, 10, 255},
         {"rle raw last", header({.type = 10, .width = 7}) + Bytes{0x83, 1, 2, 3, 0x02, 10, 11, 12, 20, 21, 22, 30, 31, 32},
          6, 32, 31, 30, 255},
         // A run or raw packet past the image is cut there.
-        {"grey rle run", header(grey_rle) + Bytes{0x84, 60, 0xFF, 90}, 4, 60, 60, 60, 255},
         {"grey rle run cut", header(grey_rle) + Bytes{0x84, 60, 0xFF, 90}, 5, 90, 90, 90, 255},
         {"raw cut", header(grey_rle) + Bytes{0x03, 1, 2, 3, 4, 0x7F} + Bytes(128, 5), 5, 5, 5, 5, 255},
         // Top-down rows are flipped; right-to-left is ignored (no mirror).
         {"top-down first", header(flip) + Bytes{0, 0, 1, 1, 2, 2}, 0, 2, 2, 2, 255},
-        {"top-down middle", header(flip) + Bytes{0, 0, 1, 1, 2, 2}, 2, 1, 1, 1, 255},
         {"top-down last", header(flip) + Bytes{0, 0, 1, 1, 2, 2}, 4, 0, 0, 0, 255},
-        {"one row", header(row3) + Bytes{0, 1, 2}, 0, 0, 0, 0, 255},
         {"one row end", header(row3) + Bytes{0, 1, 2}, 2, 2, 2, 2, 255},
         {"right-to-left", header({.type = 3, .width = 3, .bits = 8, .descriptor = 0x10}) + Bytes{0, 1, 2}, 0, 0, 0,
          0, 255},
