@@ -186,11 +186,4 @@ TEST_F(Engine, ProgressLines)
     const std::string one = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(one.rfind("Processing starting on region: (3,0) to (40,40)\n\n   Box size:   20 [  1], Total count = ", 0), 0u) << one;
     EXPECT_EQ(one.find("Offset"), std::string::npos);
-
-    // Quiet: nothing at all.
-    options.quiet = 1;
-    use_image(40, 40, [](int, int) { return true; });
-    ::testing::internal::CaptureStderr();
-    run_to_end();
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }

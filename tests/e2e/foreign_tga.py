@@ -85,17 +85,13 @@ writers = [
     ("foreign-1.1 convert raw", ["convert", src, "-compress", "None", "{out}"], None),
     ("foreign-1.2 convert raw top-left", ["convert", src, "-orient", "TopLeft", "-compress", "None", "{out}"], raster),
     ("foreign-1.3 convert RLE top-left", ["convert", src, "-orient", "TopLeft", "-compress", "RLE", "{out}"], raster),
-    ("foreign-1.4 convert RLE", ["convert", src, "-compress", "RLE", "{out}"], None),
-    ("foreign-1.5 convert grey RLE", ["convert", grey_src, "-compress", "RLE", "{out}"], None),
     ("foreign-1.6 convert grey", ["convert", grey_src, "-compress", "None", "{out}"], None),
     ("foreign-1.7 convert palette", ["convert", few, "-orient", "TopLeft", "-type", "Palette", "-compress", "None", "{out}"],
      few_raster),
     ("foreign-1.8 convert with alpha", ["convert", src, "-orient", "TopLeft", "-alpha", "on", "-compress", "RLE", "{out}"],
      raster),
     ("foreign-1.9 pamtotga rgb", ["sh", "-c", "pamtotga -rgb -norle < {src} > {out}"], raster),
-    ("foreign-1.10 pamtotga rgb RLE", ["sh", "-c", "pamtotga -rgb < {src} > {out}"], raster),
     ("foreign-1.11 pamtotga cmap", ["sh", "-c", "pamtotga -cmap -norle < {few} > {out}"], few_raster),
-    ("foreign-1.12 pamtotga mono", ["sh", "-c", "pamtotga -mono -norle < {grey} > {out}"], None),
     ("foreign-1.13 pamtotga mono RLE", ["sh", "-c", "pamtotga -mono < {grey} > {out}"], None),
 ]
 for cid, cmd, source in writers:
