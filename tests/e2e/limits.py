@@ -3,6 +3,7 @@
 and headers that claim far more pixels than the file holds are refused without
 the program first touching gigabytes of memory."""
 import os
+import resource
 import shutil
 import struct
 import subprocess
@@ -68,6 +69,21 @@ for cid, data in lies:
           f"{status} {out!r} {err!r}")
     check(cid + " memory", sanitized or rss < 64 * 1024, f"peak resident size {rss} kB")
 
+# A machine without the memory: an 8192 x 8192 image (256 MB of bitmap, 2 MB
+# on disk) under a 192 MB address-space limit is refused with the message and
+# status of a failed load, not an abort. (Not under the address sanitizer,
+# which reserves terabytes of address space at start.)
+if not sanitized:
+    side = 8192
+    row = (bytes([0xFF]) + bytes([255, 255, 255])) * (side // 128)
+    path = write("large.tga", header(10, 24, side, side) + row * side)
+    limit = 192 << 20
+    p = subprocess.run([prog, "-q", "-i", path], capture_output=True, timeout=60,
+                       preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+    check("mem-1.1 bitmap beyond the address space",
+          (p.returncode, p.stdout, p.stderr.decode().splitlines(True)[-1:]) == (255, b"", [NO_BITMAP]),
+          (p.returncode, p.stderr.decode()[-200:]))
+
 # Results that cannot be written: the table goes nowhere, and the user is told.
 example = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "examples", "triangle.tga")
 with open("/dev/full", "w") as full:
@@ -77,8 +93,8 @@ check("full-1.1 standard output on a full disk",
       and "Failed to write the estimate to standard output" in p.stderr.decode() and p.returncode == 255,
       (p.returncode, p.stderr.decode()[-300:]))
 
-# Region edges at the int limits: the grid corners wrap instead of overflowing,
-# the boxes miss the region, and every count is 0.
+# Region edges at the int limits: the grid corners never overflow, the boxes
+# miss the region, and the analysis finishes.
 for args in (["-sl", "2147483647", "-b1", "2147483647"], ["-st", "2147483647", "-sb", "-2147483648", "-b1", "40"]):
     status, out, err = run(prog, "-q", "-i", example, "-n", "2", *args, timeout=30)
     check("edge-1.1 region " + " ".join(args), status == 0 and "Estimated fractal dimension" in out,
