@@ -99,8 +99,8 @@ TEST(Complex, EstablishedQuirks)
     expect_near("asinh-1.1", Casinh({0, 1}), {0, 0});
     expect_near("asinh-1.2", Casinh({0.5, 0.5}), {0.7147014716250629, 0.11915873090493305});
     expect_near("asinh-1.3", Casinh({1, 0}), {asinh(1.0), 0});
-    // Catan's real part is held within +-pi/4: atan(1.5 - 0.8i) has real
-    // part 1.0664915353474629, which is pi/2 away.
+    // Catan's real component is held within +-pi/4: atan(1.5 - 0.8i) is
+    // 1.0664915353474629 along the real axis, pi/2 further on.
     expect_near("atan-1.1", Catan({1.5, -0.8}), {1.0664915353474629 - M_PI_2, -0.21859410948882277});
 }
 
