@@ -30,15 +30,12 @@ bool same(Vec3 a, Vec3 b)
     return fabs(a.x - b.x) < 1e-15 && fabs(a.y - b.y) < 1e-15 && fabs(a.z - b.z) < 1e-15;
 }
 
-Vec3 cross(Vec3 a, Vec3 b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
+// (p1 - p0) x (p2 - p0): twice the area, along the facing side.
 Vec3 normal(const Facet &f)
 {
-    const Vec3 a = f.p[0], b = f.p[1], c = f.p[2];
-    return cross({b.x - a.x, b.y - a.y, b.z - a.z}, {c.x - a.x, c.y - a.y, c.z - a.z});
+    const Vec3 u{f.p[1].x - f.p[0].x, f.p[1].y - f.p[0].y, f.p[1].z - f.p[0].z};
+    const Vec3 v{f.p[2].x - f.p[0].x, f.p[2].y - f.p[0].y, f.p[2].z - f.p[0].z};
+    return {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
 }
 
 struct MeshStats {
