@@ -8,7 +8,10 @@ I = numpy.fft.ifft(z) (positive exponent, divided by N).
 """
 import sys
 
-import numpy
+try:
+    import numpy
+except ImportError:
+    sys.exit(77)  # the test skips without numpy
 
 
 def main():
