@@ -10,53 +10,50 @@
 
 #include <climits>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
-#include "app/estimate.h"
-#include "app/images.h"
-#include "app/options.h"
-
-BoxResult *results = nullptr;
-int nresults = 0;
-BoxRect *boxlist = nullptr;
-int nboxlist = 0;
-
-time_t (*boxcount_clock)(void) = [] { return time(nullptr); };
-void (*boxcount_gridhook)(void) = nullptr;
 
 namespace {
 
-int boxsize = 1;           // size of the grid being counted
-int left0, bottom0;        // lower-left corner of the next box to test
-int noffset;               // 1-based number of the current pass
-int offsetx, offsety;      // offset of the current grid
-int cycles;                // steps since the last reset
-
-// Elements allocated in each array. The box list is emptied after every grid
-// but never shrunk, so only a grid with more occupied boxes than any before
-// it reallocates; the results table is reallocated to one entry by the reset.
-int resultslength = 0;
-int boxlistlength = 0;
+constexpr Analysis make_current()
+{
+    Analysis a{};
+    a.opt = &options;
+    a.boxsize = 1;
+    return a;
+}
+constinit Analysis current = make_current();
 
 // Appends item, growing the array by exactly one element when it is full.
-// Running out of memory mid-analysis leaves nothing sensible to continue with.
-template <typename T> void append(T *&array, int &n, int &length, const T &item)
+// False when it could not be grown.
+template <typename T> bool append(T *&array, int &n, int &length, const T &item)
 {
     if (n == length) {
         T *grown = (T *)realloc(array, sizeof(T) * (size_t)(n + 1));
-        if (!grown) {
-            fprintf(stderr, "   Out of memory while counting boxes - fatal\n");
-            exit(-1);
-        }
+        if (!grown) return false;
         array = grown;
         length = n + 1;
     }
     array[n++] = item;
+    return true;
+}
+
+// The drand48 generator on a record's own state: x' = (a x + c) mod 2^48,
+// returned as x' / 2^48. Seeding as srand48 does gives the same sequence.
+void seed48(Analysis *a, long seed)
+{
+    a->rng[0] = 0x330E;
+    a->rng[1] = (unsigned short)(seed & 0xFFFF);
+    a->rng[2] = (unsigned short)((seed >> 16) & 0xFFFF);
+}
+
+double next48(Analysis *a)
+{
+    uint64_t x = (uint64_t)a->rng[2] << 32 | (uint64_t)a->rng[1] << 16 | a->rng[0];
+    x = (x * 0x5DEECE66Dull + 0xB) & 0xFFFFFFFFFFFFull;
+    a->rng[0] = (unsigned short)x;
+    a->rng[1] = (unsigned short)(x >> 16);
+    a->rng[2] = (unsigned short)(x >> 32);
+    return (double)x / 281474976710656.0;  // exact: 48 bits fit a double
 }
 
 // Grid corners near the int limits. The corners are 32-bit; a step that
@@ -76,34 +73,29 @@ inline int edge(int corner, int s)
     return __builtin_add_overflow(corner, s, &e) ? (s > 0 ? INT_MAX : INT_MIN) : e;
 }
 
-int start_size(void)
+int start_size(const Options *o)
 {
-    if (options.boxstart >= 0) return options.boxstart;
-    const long long w = (long long)options.right - options.left;
-    const long long h = (long long)options.top - options.bottom;
+    if (o->boxstart >= 0) return o->boxstart;
+    const long long w = (long long)o->right - o->left;
+    const long long h = (long long)o->top - o->bottom;
     return (int)((w < h ? w : h) / 5);
 }
 
 // Offset of a new grid, drawn from the box size held at this moment.
-void draw_offset(void)
+void draw_offset(Analysis *a)
 {
-    offsetx = (int)(boxsize * drand48());
-    offsety = (int)(boxsize * drand48());
-    left0 = sat((long long)options.left - offsetx);
-    bottom0 = sat((long long)options.bottom - offsety);
-}
-
-bool black(int x, int y)
-{
-    return bwimage[(long)y * options.imagewidth + x] < 128;
+    a->offsetx = (int)(a->boxsize * next48(a));
+    a->offsety = (int)(a->boxsize * next48(a));
+    a->left0 = sat((long long)a->opt->left - a->offsetx);
+    a->bottom0 = sat((long long)a->opt->bottom - a->offsety);
 }
 
 // Clips [x1, x2) x [y1, y2) to the region and to the image. The reset clamps
 // the region to the image; clamping again means no region, however set, can
-// reach outside bwimage. False when nothing is left.
-bool clip(int x1, int x2, int y1, int y2, int *xa, int *xb, int *ya, int *yb)
+// reach outside the image. False when nothing is left.
+bool clip(const Options *o, int x1, int x2, int y1, int y2, int *xa, int *xb, int *ya, int *yb)
 {
-    const int L = options.left, R = options.right, B = options.bottom, T = options.top;
+    const int L = o->left, R = o->right, B = o->bottom, T = o->top;
     if (R <= x1 || T <= y1) return false;
     *xa = x1 > L ? x1 : L;
     *xb = x2 < R ? x2 : R;
@@ -111,13 +103,14 @@ bool clip(int x1, int x2, int y1, int y2, int *xa, int *xb, int *ya, int *yb)
     *yb = y2 < T ? y2 : T;
     if (*xa < 0) *xa = 0;
     if (*ya < 0) *ya = 0;
-    if (*xb > options.imagewidth) *xb = options.imagewidth;
-    if (*yb > options.imageheight) *yb = options.imageheight;
+    if (*xb > o->imagewidth) *xb = o->imagewidth;
+    if (*yb > o->imageheight) *yb = o->imageheight;
     return *xa < *xb && *ya < *yb;
 }
 
-[[gnu::noinline]] int scan(int xa, int xb, int ya, int yb)
+[[gnu::noinline]] int scan(const unsigned char *bw, long w, int xa, int xb, int ya, int yb)
 {
+    auto black = [=](int x, int y) { return bw[y * w + x] < 128; };
     if (xb - xa == 1) {  // boundary: also the 1 x 1 box
         for (int y = ya; y < yb; y++)
             if (black(xa, y)) return 1;
@@ -139,218 +132,207 @@ bool clip(int x1, int x2, int y1, int y2, int *xa, int *xb, int *ya, int *yb)
     return 0;
 }
 
-// The black-pixel table. Entry (x, y), at y * (width + 1) + x, holds the
-// number of black pixels in columns 0..x-1 of rows 0..y-1, modulo 65536. The
-// four corners of a rectangle give its count modulo 65536, which is exact,
-// and so nonzero exactly when the rectangle holds black, for rectangles of
-// fewer than 65536 pixels; larger ones are asked in pieces of 256 x 255.
-struct BlackTable {
-    uint16_t *sum = nullptr;
-    const unsigned char *of = nullptr;  // the bwimage it describes
-    int width = 0, height = 0;
-    size_t stride = 0;  // width + 1
-};
-BlackTable table;
-
-constexpr int piece_cols = 256, piece_rows = 255;  // 65280 pixels per piece
-
-bool table_matches(void)
+bool table_matches(const Analysis *a)
 {
-    return table.sum && table.of == bwimage && table.width == options.imagewidth &&
-           table.height == options.imageheight;
+    return a->table.sum && a->table.of == a->bw && a->table.width == a->opt->imagewidth &&
+           a->table.height == a->opt->imageheight;
 }
 
-// Rectangles larger than one piece, piece by piece.
-[[gnu::noinline]] int table_black(int xa, int xb, int ya, int yb)
+inline int black_in_rect(const Analysis *a, int x1, int x2, int y1, int y2)
 {
-    const size_t stride = table.stride;
-    for (int y = ya; y < yb; y += piece_rows) {
-        const int y2 = yb - y > piece_rows ? y + piece_rows : yb;
-        const uint16_t *lo = table.sum + (size_t)y * stride, *hi = table.sum + (size_t)y2 * stride;
-        for (int x = xa; x < xb; x += piece_cols) {
-            const int x2 = xb - x > piece_cols ? x + piece_cols : xb;
-            if ((uint16_t)(hi[x2] - hi[x] - lo[x2] + lo[x])) return 1;
-        }
-    }
-    return 0;
-}
-
-// Reset (mode 0).
-[[gnu::noinline]] int reset(void)
-{
-    const time_t seed = boxcount_clock();
-    nboxlist = 0;
-    if (options.left < 0) options.left = 0;
-    if (options.right > options.imagewidth) options.right = options.imagewidth;
-    if (options.bottom < 0) options.bottom = 0;
-    if (options.top > options.imageheight) options.top = options.imageheight;
-    srand48((long)seed);
-    draw_offset();  // from the previous boxsize, before the new start size is set
-    noffset = 1;
-    boxsize = start_size();
-    nresults = resultslength = 0;  // reallocated to one entry
-    append(results, nresults, resultslength, BoxResult{boxsize, 0, 0});
-    cycles = 0;
-    return 0;
-}
-
-[[gnu::noinline]] void banner(void)
-{
-    fprintf(stderr, "Processing starting ");
-    if (options.useregion)
-        fprintf(stderr, "on region: (%d,%d) to (%d,%d)\n", options.left, options.bottom,
-                options.right, options.top);
-    fprintf(stderr, "\n");
+    int xa, xb, ya, yb;
+    if (!clip(a->opt, x1, x2, y1, y2, &xa, &xb, &ya, &yb)) return 0;
+    if (!table_matches(a)) return scan(a->bw, a->opt->imagewidth, xa, xb, ya, yb);
+    return TableBlack(&a->table, xa, xb, ya, yb);
 }
 
 // The box of size s at (left0, bottom0) holds black.
-[[gnu::noinline]] void occupied(int s)
+[[gnu::noinline]] bool occupied(Analysis *a, int s)
 {
-    results[nresults - 1].count++;
-    append(boxlist, nboxlist, boxlistlength, BoxRect{left0, edge(left0, s), edge(bottom0, s), bottom0, 1});
+    a->results[a->nresults - 1].count++;
+    return append(a->boxlist, a->nboxlist, a->boxlistlength,
+                  BoxRect{a->left0, edge(a->left0, s), edge(a->bottom0, s), a->bottom0, 1});
+}
+
+// An array could not be grown: the analysis ends here, marked failed.
+int fail(Analysis *a)
+{
+    a->failed = 1;
+    a->nboxlist = 0;
+    return 1;
 }
 
 // The grid of size s is complete: report it, then set up the next grid, the
 // next pass, or finish (returns 1).
-[[gnu::noinline]] int end_grid(int s)
+[[gnu::noinline]] int end_grid(Analysis *a, int s)
 {
-    nboxlist = 0;
-    if (!options.quiet) {
-        fprintf(stderr, "   Box size: %4d [%3d]", s, nresults);
-        if (options.nsamples >= 2)
-            fprintf(stderr, ", Offset %3d of %3d: (%3d,%3d)", noffset, options.nsamples, offsetx,
-                    offsety);
-        fprintf(stderr, ", Total count = %d\n", results[nresults - 1].count);
-    }
+    const Options *o = a->opt;
+    a->nboxlist = 0;
+    if (a->hooks.grid_done) a->hooks.grid_done(a);
 
-    int n = (int)((float)s / options.boxfactor);  // single precision, truncated
-    if (n == s) n = s - 1;                        // a factor barely above 1 still progresses
-    boxsize = n;
-    if (n < options.boxend || n < 1) {
-        if (noffset >= options.nsamples) {
-            if (!options.quiet) {
-                fprintf(stderr, "Processing finished\n");
-                fprintf(stderr, "Estimated fractal dimension: %6.3f\n", CalcSlope());
-            }
+    int n = (int)((float)s / o->boxfactor);  // single precision, truncated
+    if (n == s) n = s - 1;                   // a factor barely above 1 still progresses
+    a->boxsize = n;
+    if (n < o->boxend || n < 1) {
+        if (a->noffset >= o->nsamples) {
+            if (a->hooks.finished) a->hooks.finished(a);
             return 1;
         }
-        boxsize = start_size();
-        noffset++;
+        a->boxsize = start_size(o);
+        a->noffset++;
     }
-    if (!options.quiet && boxcount_gridhook) boxcount_gridhook();
-    append(results, nresults, resultslength, BoxResult{boxsize, 0, 0});
-    draw_offset();
+    if (a->hooks.between) a->hooks.between(a);
+    if (!append(a->results, a->nresults, a->resultslength, BoxResult{a->boxsize, 0, 0})) return fail(a);
+    draw_offset(a);
     return 0;
 }
 
 }  // namespace
 
-int MakeBlackTable(void)
-{
-    const int w = options.imagewidth, h = options.imageheight;
-    if (!bwimage || w < 0 || h < 0) {
-        FreeBlackTable();
-        return 0;
-    }
-    if (!table.sum || table.width != w || table.height != h) {
-        FreeBlackTable();  // before the new one: never two tables at once
-        const size_t bytes = sizeof(uint16_t) * ((size_t)w + 1) * ((size_t)h + 1);
-        table.sum = (uint16_t *)malloc(bytes);
-        if (!table.sum) return 0;
-        AskHugePages(table.sum, bytes);  // far fewer faults while it is filled
-    }
-    const size_t stride = (size_t)w + 1;
-    uint16_t *below = table.sum;
-    for (size_t x = 0; x < stride; x++) below[x] = 0;
-    for (int y = 0; y < h; y++) {
-        const unsigned char *bw = bwimage + (size_t)y * w;
-        uint16_t *row = below + stride;
-        row[0] = 0;
-        int x = 0;
-        uint16_t run = 0;  // black pixels of this row left of x
-#ifdef __SSE2__
-        // Eight pixels at a time: a running sum across the lanes by three
-        // shifted adds, then the total so far carried into every lane.
-        const __m128i zero = _mm_setzero_si128(), minus_one = _mm_set1_epi8(-1);
-        __m128i carry = zero;
-        for (; x + 8 <= w; x += 8) {
-            const __m128i bytes = _mm_loadl_epi64((const __m128i *)(bw + x));
-            // As signed bytes, black (high bit clear) is 0 or more: above -1.
-            const __m128i dark = _mm_cmpgt_epi8(bytes, minus_one);
-            __m128i v = _mm_srli_epi16(_mm_unpacklo_epi8(dark, zero), 7);
-            v = _mm_add_epi16(v, _mm_slli_si128(v, 2));
-            v = _mm_add_epi16(v, _mm_slli_si128(v, 4));
-            v = _mm_add_epi16(v, _mm_slli_si128(v, 8));
-            v = _mm_add_epi16(v, carry);
-            carry = _mm_shuffle_epi32(_mm_shufflehi_epi16(v, 0xFF), 0xFF);
-            const __m128i up = _mm_loadu_si128((const __m128i *)(below + x + 1));
-            _mm_storeu_si128((__m128i *)(row + x + 1), _mm_add_epi16(v, up));
-        }
-        run = (uint16_t)_mm_extract_epi16(carry, 7);
-#endif
-        for (; x < w; x++) {
-            run += bw[x] < 128;
-            row[x + 1] = (uint16_t)(below[x + 1] + run);
-        }
-        below = row;
-    }
-    table.of = bwimage;
-    table.width = w;
-    table.height = h;
-    table.stride = stride;
-    return 1;
-}
+// ---- the current instance -----------------------------------------------------
 
-void FreeBlackTable(void)
-{
-    free(table.sum);
-    table = BlackTable{};
-}
+BoxResult *&results = current.results;
+int &nresults = current.nresults;
+BoxRect *&boxlist = current.boxlist;
+int &nboxlist = current.nboxlist;
+unsigned char *&bwimage = current.bw;
 
-int BlackInRect(int x1, int x2, int y1, int y2)
-{
-    int xa, xb, ya, yb;
-    if (!clip(x1, x2, y1, y2, &xa, &xb, &ya, &yb)) return 0;
-    if (!table_matches()) return scan(xa, xb, ya, yb);
-    if (xb - xa > piece_cols || yb - ya > piece_rows) return table_black(xa, xb, ya, yb);
-    // One piece, one look-up: the common case, kept short so that the step
-    // inlines it.
-    const uint16_t *lo = table.sum + (size_t)ya * table.stride, *hi = table.sum + (size_t)yb * table.stride;
-    // A grid walks the table a row of boxes at a time, and each row's upper
-    // edge is new to the cache: ask for the next row's now, so that it is
-    // there when the walk comes back. A prefetch never faults, wherever the
-    // address falls; it is formed as an integer to stay out of the array.
-    __builtin_prefetch((const void *)((uintptr_t)(hi + xb) + 2 * table.stride * (size_t)(yb - ya)));
-    return (uint16_t)(hi[xb] - hi[xa] - lo[xb] + lo[xa]) != 0;
-}
+time_t (*boxcount_clock)(void) = [] { return time(nullptr); };
 
-int BlackInRectScan(int x1, int x2, int y1, int y2)
+Analysis *CurrentAnalysis(void)
 {
-    int xa, xb, ya, yb;
-    if (!clip(x1, x2, y1, y2, &xa, &xb, &ya, &yb)) return 0;
-    return scan(xa, xb, ya, yb);
+    return &current;
 }
 
 int BoxCount(int mode)
 {
-    if (mode == 0) return reset();
-    if (cycles == 0 && mode == 1 && !options.quiet) banner();
-    cycles++;
+    current.clock = boxcount_clock;
+    return StepAnalysis(&current, mode);
+}
+
+int BlackInRect(int x1, int x2, int y1, int y2)
+{
+    return black_in_rect(&current, x1, x2, y1, y2);
+}
+
+int BlackInRectScan(int x1, int x2, int y1, int y2)
+{
+    return AnalysisBlackInRectScan(&current, x1, x2, y1, y2);
+}
+
+int MakeBlackTable(void)
+{
+    return BuildBlackTable(&current.table, current.bw, options.imagewidth, options.imageheight);
+}
+
+void FreeBlackTable(void)
+{
+    FreeBlackTableOf(&current.table);
+}
+
+// ---- any instance -------------------------------------------------------------
+
+Analysis *CreateAnalysis(const Options *settings)
+{
+    Analysis *a = (Analysis *)calloc(1, sizeof(Analysis));
+    if (!a) return nullptr;
+    a->own = *settings;
+    a->opt = &a->own;
+    a->boxsize = 1;
+    a->clock = [] { return time(nullptr); };
+    return a;
+}
+
+void FreeAnalysis(Analysis *a)
+{
+    if (!a) return;
+    FreeBlackTableOf(&a->table);
+    free(a->bw);
+    free(a->results);
+    free(a->boxlist);
+    if (a == &current) {
+        current.bw = nullptr;
+        current.results = nullptr;
+        current.boxlist = nullptr;
+        current.nresults = current.nboxlist = current.resultslength = current.boxlistlength = 0;
+        return;
+    }
+    free(a);
+}
+
+int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
+{
+    if (a->bw != bw) free(a->bw);
+    a->bw = bw;
+    a->opt->imagewidth = w;
+    a->opt->imageheight = h;
+    return BuildBlackTable(&a->table, bw, w, h);
+}
+
+[[gnu::noinline]] int ResetAnalysis(Analysis *a)
+{
+    Options *o = a->opt;
+    a->seed = (long)a->clock();
+    a->nboxlist = 0;
+    a->failed = 0;
+    // The clamped region stays in the settings: the panels and the banner
+    // show it, and the next reset starts from it.
+    if (o->left < 0) o->left = 0;
+    if (o->right > o->imagewidth) o->right = o->imagewidth;
+    if (o->bottom < 0) o->bottom = 0;
+    if (o->top > o->imageheight) o->top = o->imageheight;
+    seed48(a, a->seed);
+    draw_offset(a);  // from the previous boxsize, before the new start size is set
+    a->noffset = 1;
+    a->boxsize = start_size(o);
+    a->nresults = a->resultslength = 0;  // reallocated to one entry
+    if (!append(a->results, a->nresults, a->resultslength, BoxResult{a->boxsize, 0, 0})) fail(a);
+    a->cycles = 0;
+    return 0;
+}
+
+int StepAnalysis(Analysis *a, int mode)
+{
+    if (mode == 0) return ResetAnalysis(a);
+    if (a->failed) return 1;
+    if (a->cycles == 0 && mode == 1 && a->hooks.started) a->hooks.started(a);
+    a->cycles++;
 
     // The one box of this step; everything else here is rare.
-    const int s = boxsize;
-    if (BlackInRect(left0, edge(left0, s), bottom0, edge(bottom0, s))) occupied(s);
+    const int s = a->boxsize;
+    if (black_in_rect(a, a->left0, edge(a->left0, s), a->bottom0, edge(a->bottom0, s)) && !occupied(a, s))
+        return fail(a);
     int next;
-    const bool carried = __builtin_add_overflow(left0, s, &next);
-    if (carried ? s > 0 : next >= options.right) {
-        left0 = sat((long long)options.left - offsetx);
-        if (__builtin_add_overflow(bottom0, s, &bottom0)) {
-            if (s > 0) return end_grid(s);  // past the largest int: above any region
-            bottom0 = INT_MIN;
+    const bool carried = __builtin_add_overflow(a->left0, s, &next);
+    if (carried ? s > 0 : next >= a->opt->right) {
+        a->left0 = sat((long long)a->opt->left - a->offsetx);
+        if (__builtin_add_overflow(a->bottom0, s, &a->bottom0)) {
+            if (s > 0) return end_grid(a, s);  // past the largest int: above any region
+            a->bottom0 = INT_MIN;
         }
     } else {
-        left0 = carried ? INT_MIN : next;
+        a->left0 = carried ? INT_MIN : next;
     }
-    if (bottom0 < options.top) return 0;
-    return end_grid(s);
+    if (a->bottom0 < a->opt->top) return 0;
+    return end_grid(a, s);
+}
+
+int RunAnalysis(Analysis *a)
+{
+    if (a->nresults > 0 && a->results[0].size < 1 && a->opt->top > a->opt->bottom) return 0;
+    while (!StepAnalysis(a, 1)) {
+    }
+    return !a->failed;
+}
+
+int AnalysisBlackInRect(const Analysis *a, int x1, int x2, int y1, int y2)
+{
+    return black_in_rect(a, x1, x2, y1, y2);
+}
+
+int AnalysisBlackInRectScan(const Analysis *a, int x1, int x2, int y1, int y2)
+{
+    int xa, xb, ya, yb;
+    if (!clip(a->opt, x1, x2, y1, y2, &xa, &xb, &ya, &yb)) return 0;
+    return scan(a->bw, a->opt->imagewidth, xa, xb, ya, yb);
 }

@@ -1,12 +1,27 @@
 // app/boxcount.h - the incremental box-counting engine.
 //
-// BoxCount(0) resets an analysis; every other call tests exactly one box of
-// the grid being counted, so an interactive caller can step it from its idle
-// loop. Coordinates are image pixels, y upward from the bottom row. The region
-// in options is half-open: columns left..right-1, rows bottom..top-1.
+// A running analysis lives in one record, `Analysis`: its settings, the
+// black/white image it counts with that image's black-pixel table, the
+// results table, the box list of the grid being counted, and where the scan
+// stands. A step tests exactly one box, so an interactive caller can step it
+// from its idle loop; a reset prepares a new analysis.
+//
+// The program's own analysis is the current instance: the globals `results`,
+// `nresults`, `boxlist`, `nboxlist` and `bwimage` are its fields, it reads the
+// settings record `options` afresh at every step (so the options panel takes
+// effect at the next grid), and `BoxCount`, `BlackInRect` and `MakeBlackTable`
+// work on it. Other code (batch runs, tests) makes further instances with
+// CreateAnalysis, each with its own copy of the settings; instances share
+// nothing, so several may run in different threads at once.
+//
+// Coordinates are image pixels, y upward from the bottom row. The region in
+// the settings is half-open: columns left..right-1, rows bottom..top-1.
 #pragma once
 
 #include <ctime>
+
+#include "app/blacktable.h"
+#include "app/options.h"
 
 // One counted grid: its box size and the boxes found occupied so far.
 struct BoxResult {
@@ -22,16 +37,59 @@ struct BoxRect {
     int occupied;
 };
 
-extern BoxResult *results;  // one entry per grid, in counting order
-extern int nresults;
-extern BoxRect *boxlist;    // occupied boxes of the grid being counted
-extern int nboxlist;
+struct Analysis;
 
-// Where the reset's seed comes from; time() by default. Tests may replace it.
+// What a front-end hears of a running analysis. Each may be null. They are
+// called on the thread that steps the analysis, between two box tests.
+struct AnalysisHooks {
+    void (*started)(const Analysis *a);    // the first step after a reset
+    void (*grid_done)(const Analysis *a);  // a grid is complete: the last results entry is final
+    void (*between)(const Analysis *a);    // after every grid but the last, before the next begins
+    void (*finished)(const Analysis *a);   // the last grid of the last pass is complete
+    void *user;                            // for the front-end; the engine never reads it
+};
+
+struct Analysis {
+    Options *opt;        // settings in force: &options, or &own
+    Options own;         // the settings of an instance made by CreateAnalysis
+    unsigned char *bw;   // black/white image, opt->imagewidth x opt->imageheight; 0 black, 255 white
+    BlackTable table;    // of bw, when it matches bw; else boxes are tested pixel by pixel
+
+    BoxResult *results;  // one entry per grid, in counting order
+    int nresults;
+    BoxRect *boxlist;    // occupied boxes of the grid being counted
+    int nboxlist;
+    int resultslength;   // elements allocated in each array: the box list is emptied after
+    int boxlistlength;   //   every grid but never shrunk; the reset reallocates results to one
+
+    int boxsize;         // size of the grid being counted; 1 in a new record
+    int left0, bottom0;  // lower-left corner of the next box to test
+    int noffset;         // 1-based number of the current pass
+    int offsetx, offsety;  // offset of the current grid
+    int cycles;          // steps since the last reset
+    int failed;          // 1 when an array could not be grown; the analysis ended there
+
+    time_t (*clock)(void);  // seed of every reset; time() unless replaced
+    long seed;              // the seed of the last reset
+    unsigned short rng[3];  // the offset generator: the 48-bit state of drand48
+
+    AnalysisHooks hooks;
+};
+
+// ---- the current instance -----------------------------------------------------
+
+extern BoxResult *&results;
+extern int &nresults;
+extern BoxRect *&boxlist;
+extern int &nboxlist;
+extern unsigned char *&bwimage;  // the image the current instance counts
+
+// The program's own analysis, bound to `options`.
+Analysis *CurrentAnalysis(void);
+
+// Where the current instance's seed comes from; time() by default. Tests may
+// replace it.
 extern time_t (*boxcount_clock)(void);
-// Called after every completed grid except the last one, unless quiet (the
-// interactive shell refreshes its graph there).
-extern void (*boxcount_gridhook)(void);
 
 // mode 0: reset and return 0. Otherwise one step: returns 1 when the last grid
 // of the last pass has just been completed, else 0.
@@ -43,12 +101,35 @@ int BlackInRect(int x1, int x2, int y1, int y2);
 // The same test by looking at pixels: the border before the interior,
 // stopping at the first black pixel.
 int BlackInRectScan(int x1, int x2, int y1, int y2);
-
-// The black-pixel table: a summed-area table of bwimage's black pixels,
-// 2 bytes per pixel. MakeBlackTable (re)builds it from bwimage, imagewidth
-// and imageheight; call it after every change to bwimage (UpdateImages does).
-// Returns 1 when built, 0 when it could not be allocated, in which case
-// BlackInRect scans pixels. FreeBlackTable releases it; BlackInRect then
-// scans pixels until the next MakeBlackTable.
+// (Re)builds the black-pixel table of bwimage at options' image size; call
+// it after every change to bwimage (UpdateImages does). Returns 1 when
+// built, 0 when it could not be allocated, in which case BlackInRect scans
+// pixels. FreeBlackTable releases it; BlackInRect then scans pixels until
+// the next MakeBlackTable.
 int MakeBlackTable(void);
 void FreeBlackTable(void);
+
+// ---- further instances --------------------------------------------------------
+
+// A new analysis with its own copy of settings and no image; null when out
+// of memory. Free it with FreeAnalysis.
+Analysis *CreateAnalysis(const Options *settings);
+// Releases the image, the table and both arrays; the record itself too,
+// unless it is the current instance (which is then empty and reusable).
+void FreeAnalysis(Analysis *a);
+// Hands a the w x h black/white image bw (from malloc; a frees it), sets the
+// settings' image size and builds the table. Returns 1, or 0 when the table
+// could not be built (boxes are then tested pixel by pixel).
+int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h);
+// The reset, as BoxCount(0): clamps the region to the image (the clamped
+// region stays in the settings), seeds the generator and draws the first
+// offset from the size held until now. Returns 0.
+int ResetAnalysis(Analysis *a);
+// One step, as BoxCount(mode).
+int StepAnalysis(Analysis *a, int mode);
+// Steps to the end; returns 1 when finished, 0 when the analysis cannot
+// finish (a start size below 1 never leaves its first row) or failed.
+int RunAnalysis(Analysis *a);
+// BlackInRect and BlackInRectScan on a's image, region and table.
+int AnalysisBlackInRect(const Analysis *a, int x1, int x2, int y1, int y2);
+int AnalysisBlackInRectScan(const Analysis *a, int x1, int x2, int y1, int y2);

@@ -4,13 +4,17 @@
 #include <cmath>
 #include <vector>
 
-#include "app/boxcount.h"
 
 int MakeLogPoints(float *x, float *y)
 {
+    return MakeLogPointsOf(results, nresults, x, y);
+}
+
+int MakeLogPointsOf(const BoxResult *table, int entries, float *x, float *y)
+{
     int n = 0;
-    for (int i = 0; i < nresults; i++) {
-        const int s = results[i].size, c = results[i].count;
+    for (int i = 0; i < entries; i++) {
+        const int s = table[i].size, c = table[i].count;
         const double xd = log(1.0 / s);
         float cand = c > 0 ? (float)log((double)(float)c) : 0.0f;
         int last = -1;
@@ -33,9 +37,14 @@ int MakeLogPoints(float *x, float *y)
 
 double CalcSlope(void)
 {
-    if (nresults < 4) return -1.0;
-    std::vector<float> x((size_t)nresults), y((size_t)nresults);
-    const int n = MakeLogPoints(x.data(), y.data());
+    return SlopeOf(results, nresults);
+}
+
+double SlopeOf(const BoxResult *table, int entries)
+{
+    if (entries < 4) return -1.0;
+    std::vector<float> x((size_t)entries), y((size_t)entries);
+    const int n = MakeLogPointsOf(table, entries, x.data(), y.data());
     float a, b, r;
     if (n >= 3 && LinRegressf(x.data(), y.data(), n, &a, &b, &r)) return (double)b;
     return 0.0;

@@ -7,16 +7,12 @@
 #include <cstring>
 #include <memory>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include "app/boxcount.h"
+#include "app/hugepages.h"
 #include "app/options.h"
 #include "bitmap/resample.h"
 #include "bitmap/tga.h"
 
 BitmapPixel *image = nullptr;
-unsigned char *bwimage = nullptr;
 BitmapPixel *viewimage = nullptr;
 
 void (*images_screensize)(int *width, int *height) = nullptr;
@@ -102,20 +98,6 @@ unsigned char threshold(const BitmapPixel *__restrict px, unsigned char *__restr
 }
 
 }  // namespace
-
-void AskHugePages(void *p, size_t bytes)
-{
-#ifdef MADV_HUGEPAGE
-    if (bytes < ((size_t)4 << 20)) return;  // small arrays: not worth a syscall or the bloat
-    const uintptr_t page = (uintptr_t)sysconf(_SC_PAGESIZE);
-    const uintptr_t start = ((uintptr_t)p + page - 1) & ~(page - 1);
-    const uintptr_t end = ((uintptr_t)p + bytes) & ~(page - 1);
-    if (end > start) madvise((void *)start, end - start, MADV_HUGEPAGE);
-#else
-    (void)p;
-    (void)bytes;
-#endif
-}
 
 int LoadTGA(const char *name)
 {

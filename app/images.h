@@ -8,23 +8,16 @@
 //            0. Made only when not quiet.
 #pragma once
 
-#include <cstddef>
-
+#include "app/boxcount.h"  // bwimage: the image the current analysis counts
 #include "bitmap/pixels.h"
 
 extern BitmapPixel *image;
-extern unsigned char *bwimage;
 extern BitmapPixel *viewimage;
 
 // Asks the window system for the screen size; set by the interactive shell
 // (tests may set their own). While null the screen counts as unlimited.
 extern void (*images_screensize)(int *width, int *height);
 
-// Asks the system to back the whole pages of [p, p + bytes) with large
-// pages when bytes is 4 MiB or more: far fewer page faults as the array is
-// first filled and fewer address-translation misses later. Only a request;
-// nothing changes where the system declines.
-void AskHugePages(void *p, size_t bytes);
 // Reads a TGA file into image (and its size into options). 1 on success, when
 // filename becomes name; 0 after writing why to standard error.
 int LoadTGA(const char *name);

@@ -9,6 +9,7 @@
 #include "app/estimate.h"
 #include "app/images.h"
 #include "app/options.h"
+#include "app/progress.h"
 #include "app/results.h"
 #include "bitmap/pixels.h"
 
@@ -23,6 +24,7 @@ int main(int argc, char **argv)
     ParseCommandLine(argc, argv, &args);
 
     if (!options.quiet) {
+        UseProgressLines(CurrentAnalysis());
 #ifdef QUORL_GUI
         StartInteractive(argc, argv);
 #else
@@ -57,6 +59,7 @@ int main(int argc, char **argv)
     options.processing = 1;
     while (!BoxCount(1)) {
     }
+    ExitIfAnalysisFailed(CurrentAnalysis());
     SaveResults();
     printf("Estimated fractal dimension: %6.3f", CalcSlope());
     if (options.useregion)

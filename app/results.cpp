@@ -4,26 +4,34 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 #include "app/boxcount.h"
-#include "app/options.h"
 
 const char *(*results_choosefile)(const char *prompt) = nullptr;
 
+void WriteResultsOf(const BoxResult *table, int n, FILE *out)
+{
+    // done[i]: entry i is written already, or takes no part (no boxes).
+    std::vector<char> done((size_t)n);
+    for (int i = 0; i < n; i++) done[i] = !(table[i].size > 0 && table[i].count > 0);
+    for (int i = 0; i < n; i++) {
+        if (done[i]) continue;
+        double m = 1e32;
+        for (int j = i; j < n; j++) {
+            if (done[j] || table[j].size != table[i].size) continue;
+            if (table[j].count < m) m = table[j].count;
+            done[j] = 1;
+        }
+        fprintf(out, "%d %g %g %g\n", table[i].size, m, log(1.0 / table[i].size), log(m));
+    }
+}
+
 void WriteResults(FILE *out)
 {
-    for (int i = 0; i < nresults; i++)
-        results[i].done = results[i].size > 0 && results[i].count > 0 ? 0 : 1;
-    for (int i = 0; i < nresults; i++) {
-        if (results[i].done) continue;
-        double m = 1e32;
-        for (int j = i; j < nresults; j++) {
-            if (results[j].done || results[j].size != results[i].size) continue;
-            if (results[j].count < m) m = results[j].count;
-            results[j].done = 1;
-        }
-        fprintf(out, "%d %g %g %g\n", results[i].size, m, log(1.0 / results[i].size), log(m));
-    }
+    WriteResultsOf(results, nresults, out);
+    // Every entry ends marked, as the table's scratch field promises.
+    for (int i = 0; i < nresults; i++) results[i].done = 1;
 }
 
 void SaveResults(void)

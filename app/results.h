@@ -4,11 +4,16 @@
 
 #include <cstdio>
 
+#include "app/boxcount.h"
+
 // Asks the user for the file to save into; set by the interactive shell.
 // Returns null or "" when cancelled.
 extern const char *(*results_choosefile)(const char *prompt);
 
-// Writes the table to out. Entries with a zero count take no part.
+// Writes the lines of a results table to out. Entries with a zero count
+// take no part.
+void WriteResultsOf(const BoxResult *table, int n, FILE *out);
+// The same for the current analysis; every entry's done mark ends set.
 void WriteResults(FILE *out);
 // Nothing for fewer than 4 results entries. Quiet: the table to standard
 // output. Otherwise to a file the user chooses; a cancelled choice writes

@@ -33,6 +33,9 @@ with open("build-lint/scope/files", "w") as f:
 PY
 
 status=0
+echo "include graph"
+python3 scripts/include_graph.py || status=1
+
 echo "clang-tidy: $(wc -l <build-lint/scope/files) files"
 if ! xargs -P2 -n4 nice clang-tidy -p build-lint/scope --quiet <build-lint/scope/files \
     >build-lint/clang-tidy.log 2>&1; then

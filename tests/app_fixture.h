@@ -33,6 +33,7 @@ inline void quiet_defaults()
     SetDefaultOptions(&args);
     options.quiet = 1;
     boxcount_clock = fixed_clock;
+    CurrentAnalysis()->hooks = {};
 }
 
 // Steps the engine to the end; returns the number of steps (bounded).

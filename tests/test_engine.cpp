@@ -5,8 +5,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "app/progress.h"
 #include "app_fixture.h"
 
 namespace {
@@ -152,6 +154,7 @@ TEST_F(Engine, SettingsChangedMidRunApplyAtTheNextGrid)
 TEST_F(Engine, ProgressLines)
 {
     options.quiet = 0;
+    UseProgressLines(CurrentAnalysis());
     options.boxstart = 20;
     options.boxfactor = 2.0f;
     options.boxend = 10;
@@ -186,4 +189,47 @@ TEST_F(Engine, ProgressLines)
     const std::string one = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(one.rfind("Processing starting on region: (3,0) to (40,40)\n\n   Box size:   20 [  1], Total count = ", 0), 0u) << one;
     EXPECT_EQ(one.find("Offset"), std::string::npos);
+}
+
+// Separate records share nothing: each gives the table the program's own
+// analysis gives for the same image, settings and clock, whether they run
+// one after the other or side by side in threads.
+TEST_F(Engine, IndependentAnalysesMatchTheProgramsOwn)
+{
+    struct Want { int w, h; std::vector<std::pair<int, int>> table; };
+    const auto shapes = std::vector<std::function<bool(int, int)>>{
+        [](int x, int y) { return (x ^ y) % 7 == 0; }, [](int x, int y) { return x * x + y * y < 9000; },
+        [](int x, int) { return x % 13 == 0; }, [](int x, int y) { return (x & y) == 0; }};
+    std::vector<Want> want;
+    for (size_t i = 0; i < shapes.size(); i++) {
+        use_image(150 + 20 * (int)i, 130, shapes[i]);
+        BoxCount(0);
+        run_to_end();
+        Want w{options.imagewidth, options.imageheight, {}};
+        for (int j = 0; j < nresults; j++) w.table.push_back({results[j].size, results[j].count});
+        want.push_back(w);
+    }
+    auto analyse = [&](size_t i) {
+        Options settings = options;
+        settings.useregion = 0, settings.left = settings.bottom = 0, settings.right = settings.top = 100000;
+        Analysis *a = CreateAnalysis(&settings);
+        a->clock = fixed_clock;
+        unsigned char *bw = (unsigned char *)malloc((size_t)want[i].w * want[i].h);
+        for (int y = 0; y < want[i].h; y++)
+            for (int x = 0; x < want[i].w; x++) bw[y * want[i].w + x] = shapes[i](x, y) ? 0 : 255;
+        SetAnalysisImage(a, bw, want[i].w, want[i].h);
+        ResetAnalysis(a);  // as the program: two resets, the second draws from the start size
+        ResetAnalysis(a);
+        EXPECT_TRUE(RunAnalysis(a));
+        std::vector<std::pair<int, int>> got;
+        for (int j = 0; j < a->nresults; j++) got.push_back({a->results[j].size, a->results[j].count});
+        FreeAnalysis(a);
+        return got;
+    };
+    for (size_t i = 0; i < shapes.size(); i++) EXPECT_EQ(analyse(i), want[i].table) << "in turn, image " << i;
+    std::vector<std::vector<std::pair<int, int>>> got(shapes.size());
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < shapes.size(); i++) threads.emplace_back([&, i] { got[i] = analyse(i); });
+    for (auto &t : threads) t.join();
+    for (size_t i = 0; i < shapes.size(); i++) EXPECT_EQ(got[i], want[i].table) << "in threads, image " << i;
 }

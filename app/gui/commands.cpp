@@ -8,6 +8,7 @@
 #include "app/boxcount.h"
 #include "app/images.h"
 #include "app/options.h"
+#include "app/progress.h"
 
 void StartProcessing(void)
 {
@@ -94,7 +95,10 @@ int IdleStep(double (*clock)(void))
 {
     static double tstart = -1.0;  // time of the last redraw
     if (tstart < 0) tstart = clock();
-    if (options.processing) options.processing = BoxCount(1) ? 0 : 1;
+    if (options.processing && BoxCount(1)) {
+        options.processing = 0;
+        ExitIfAnalysisFailed(CurrentAnalysis());
+    }
     const double tstop = clock();
     // Drawing and panel polling cost far more than a box test: while the
     // analysis runs, do them only every 0.1 s.

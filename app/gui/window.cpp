@@ -62,7 +62,7 @@ void StartInteractive(int argc, char **argv)
     UpdateOptionForm();
 
     images_screensize = screen_size;
-    boxcount_gridhook = UpdateGraphForm;
+    CurrentAnalysis()->hooks.between = [](const Analysis *) { UpdateGraphForm(); };
     results_choosefile = ChooseFile;
 }
 
