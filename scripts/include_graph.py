@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 """Fails when the project's own #include graph of app/, bitmap/ or util/ has
-a cycle, or when a library includes a layer above it (bitmap/ nothing of
+a cycle between modules (a header and its source file are one module), or when a library includes a layer above it (bitmap/ nothing of
 util/ or app/; util/ nothing of app/). Prints the cycle or the offending edge."""
 import os
 import re
@@ -13,8 +13,11 @@ for top in ("app", "bitmap", "util"):
     for d, _, files in os.walk(os.path.join(root, top)):
         for f in files:
             if f.endswith((".h", ".cpp")):
-                path = os.path.relpath(os.path.join(d, f), root)
-                graph[path] = inc.findall(open(os.path.join(d, f), encoding="utf-8").read())
+                module = os.path.splitext(os.path.relpath(os.path.join(d, f), root))[0]
+                text = open(os.path.join(d, f), encoding="utf-8").read()
+                graph.setdefault(module, set()).update(
+                    os.path.splitext(h)[0] for h in inc.findall(text))
+                graph[module].discard(module)
 
 bad = [f"{f} includes {h}" for f, hs in graph.items() for h in hs
        if (f.startswith("bitmap/") and not h.startswith("bitmap/"))
@@ -34,6 +37,8 @@ def visit(node):
     state[node] = 2
 
 
+for n in sorted(graph):
+    graph[n] = sorted(graph[n])
 for n in sorted(graph):
     if n not in state:
         visit(n)
