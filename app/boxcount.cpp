@@ -11,17 +11,19 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 
 namespace {
 
-constexpr Analysis make_current()
+Analysis make_current()
 {
     Analysis a{};
     a.opt = &options;
+    a.ext = &extras;
     a.boxsize = 1;
     return a;
 }
-constinit Analysis current = make_current();
+Analysis current = make_current();
 
 // Appends item, growing the array by exactly one element when it is full.
 // False when it could not be grown.
@@ -232,12 +234,14 @@ void FreeBlackTable(void)
 
 // ---- any instance -------------------------------------------------------------
 
-Analysis *CreateAnalysis(const Options *settings)
+Analysis *CreateAnalysis(const Options *settings, const ExtraOptions *ext)
 {
-    Analysis *a = (Analysis *)calloc(1, sizeof(Analysis));
+    Analysis *a = new (std::nothrow) Analysis{};
     if (!a) return nullptr;
     a->own = *settings;
     a->opt = &a->own;
+    if (ext) a->ownext = *ext;
+    a->ext = &a->ownext;
     a->boxsize = 1;
     a->clock = [] { return time(nullptr); };
     return a;
@@ -257,7 +261,7 @@ void FreeAnalysis(Analysis *a)
         current.nresults = current.nboxlist = current.resultslength = current.boxlistlength = 0;
         return;
     }
-    free(a);
+    delete a;
 }
 
 int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
@@ -272,7 +276,7 @@ int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
 [[gnu::noinline]] int ResetAnalysis(Analysis *a)
 {
     Options *o = a->opt;
-    a->seed = (long)a->clock();
+    a->seed = a->ext->has_seed ? a->ext->seed : (long)a->clock();
     a->nboxlist = 0;
     a->failed = 0;
     // The clamped region stays in the settings: the panels and the banner

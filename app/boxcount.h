@@ -21,6 +21,7 @@
 #include <ctime>
 
 #include "app/blacktable.h"
+#include "app/longopts.h"
 #include "app/options.h"
 
 // One counted grid: its box size and the boxes found occupied so far.
@@ -52,6 +53,8 @@ struct AnalysisHooks {
 struct Analysis {
     Options *opt;        // settings in force: &options, or &own
     Options own;         // the settings of an instance made by CreateAnalysis
+    const ExtraOptions *ext;  // long-option settings: &extras, or &ownext
+    ExtraOptions ownext;
     unsigned char *bw;   // black/white image, opt->imagewidth x opt->imageheight; 0 black, 255 white
     BlackTable table;    // of bw, when it matches bw; else boxes are tested pixel by pixel
 
@@ -69,7 +72,7 @@ struct Analysis {
     int cycles;          // steps since the last reset
     int failed;          // 1 when an array could not be grown; the analysis ended there
 
-    time_t (*clock)(void);  // seed of every reset; time() unless replaced
+    time_t (*clock)(void);  // seed of every reset without ext->has_seed; time() unless replaced
     long seed;              // the seed of the last reset
     unsigned short rng[3];  // the offset generator: the 48-bit state of drand48
 
@@ -111,9 +114,10 @@ void FreeBlackTable(void);
 
 // ---- further instances --------------------------------------------------------
 
-// A new analysis with its own copy of settings and no image; null when out
-// of memory. Free it with FreeAnalysis.
-Analysis *CreateAnalysis(const Options *settings);
+// A new analysis with its own copy of the settings (and of the long-option
+// settings; defaults when ext is null) and no image; null when out of
+// memory. Free it with FreeAnalysis.
+Analysis *CreateAnalysis(const Options *settings, const ExtraOptions *ext = nullptr);
 // Releases the image, the table and both arrays; the record itself too,
 // unless it is the current instance (which is then empty and reusable).
 void FreeAnalysis(Analysis *a);
@@ -122,8 +126,9 @@ void FreeAnalysis(Analysis *a);
 // could not be built (boxes are then tested pixel by pixel).
 int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h);
 // The reset, as BoxCount(0): clamps the region to the image (the clamped
-// region stays in the settings), seeds the generator and draws the first
-// offset from the size held until now. Returns 0.
+// region stays in the settings), seeds the generator (with ext->seed when
+// given, else from the clock) and draws the first offset from the size held
+// until now. Returns 0.
 int ResetAnalysis(Analysis *a);
 // One step, as BoxCount(mode).
 int StepAnalysis(Analysis *a, int mode);

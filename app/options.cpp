@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/longopts.h"
+
 Options options;
 const int versionnumber = 101;
 
@@ -32,7 +34,9 @@ void SetDefaultOptions(StartupArgs *args)
     options.top = 100000;
     options.bottom = 0;
 
+    extras = ExtraOptions{};
     args->name = nullptr;
+    args->error.clear();
     args->left = 0;
     args->right = 100000;
     args->top = 100000;
@@ -44,8 +48,15 @@ int ParseArguments(int argc, char **argv, StartupArgs *args)
     for (int i = 1; i < argc; i++) {
         const char *w = argv[i];
         const char *value = i + 1 < argc ? argv[i + 1] : "";  // last word: empty value
-        if (!strcmp(w, "-h")) {
-            return 0;
+        if (!strncmp(w, "--", 2)) {
+            switch (ParseLongOption(argc, argv, &i, &extras, &args->error)) {
+            case LONG_OK: break;
+            case LONG_HELP: return PARSE_HELP;
+            case LONG_VERSION: return PARSE_VERSION;
+            case LONG_ERROR: return PARSE_ERROR;
+            }
+        } else if (!strcmp(w, "-h")) {
+            return PARSE_USAGE;
         } else if (!strcmp(w, "-d")) {
             options.debug = 1;
         } else if (!strcmp(w, "-q")) {
@@ -90,12 +101,21 @@ int ParseArguments(int argc, char **argv, StartupArgs *args)
             options.useregion = 1;
         }
     }
-    return 1;
+    return PARSE_OK;
 }
 
 void ParseCommandLine(int argc, char **argv, StartupArgs *args)
 {
-    if (!ParseArguments(argc, argv, args)) GiveUsage(argc > 0 ? argv[0] : "quorl");
+    const char *prog = argc > 0 ? argv[0] : "quorl";
+    switch (ParseArguments(argc, argv, args)) {
+    case PARSE_USAGE: GiveUsage(prog);
+    case PARSE_HELP: WriteFullUsage(stdout, prog); exit(fflush(stdout) ? 2 : 0);
+    case PARSE_VERSION: printf("Quorl %g\n", versionnumber / 100.0); exit(fflush(stdout) ? 2 : 0);
+    case PARSE_ERROR:
+        fprintf(stderr, "%s: %s\nTry \"%s --help\" for every option.\n", prog, args->error.c_str(), prog);
+        exit(2);
+    default: break;
+    }
 }
 
 void WriteUsage(FILE *out, const char *progname)
@@ -117,6 +137,14 @@ void WriteUsage(FILE *out, const char *progname)
     fprintf(out, "     -sr     right boundary (default: image width)\n");
     fprintf(out, "     -sb     bottom boundary (default: 0)\n");
     fprintf(out, "     -st     top boundary (default: image height)\n");
+}
+
+void WriteFullUsage(FILE *out, const char *progname)
+{
+    WriteUsage(out, progname);
+    fprintf(out, "     -d      log every redraw of the window\n");
+    fprintf(out, "Long options (two words: --name value)\n");
+    WriteLongUsage(out);
 }
 
 void GiveUsage(const char *progname)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 // The one global record of settings and window state. Fields keep this order.
 struct Options {
@@ -38,19 +39,35 @@ extern const int versionnumber;  // program version times 100
 struct StartupArgs {
     const char *name;
     int left, right, top, bottom;
+    std::string error;  // why the command line was refused (PARSE_ERROR)
 };
 
-// Puts the defaults into options and args.
+// What the command line asks of start-up.
+enum ParseResult {
+    PARSE_USAGE = 0,  // "-h": the usage text
+    PARSE_OK = 1,     // run
+    PARSE_HELP,       // "--help": the full usage text on standard output
+    PARSE_VERSION,    // "--version"
+    PARSE_ERROR = -1  // a long option that is unknown or has a bad value
+};
+
+// Puts the defaults into options, extras (app/longopts.h) and args.
 void SetDefaultOptions(StartupArgs *args);
-// Reads the switches left to right into options and args, stopping at "-h".
-// Returns 0 when "-h" was met (usage wanted; the settings read before it stay
-// in place so the usage text can show them), 1 otherwise. Never prints and
-// never exits. Unknown words are ignored; a missing value reads as "".
+// Reads the switches left to right into options, extras and args, stopping
+// at "-h", "--help", "--version" or a bad long option. Returns what start-up
+// is to do (PARSE_USAGE for "-h": the settings read before it stay in place
+// so the usage text can show them). Never prints and never exits. Unknown
+// short words are ignored; a missing value reads as "". Words that start
+// with "--" are long options.
 int ParseArguments(int argc, char **argv, StartupArgs *args);
-// ParseArguments, then GiveUsage when "-h" was met.
+// ParseArguments, then: GiveUsage for "-h"; the full usage on standard
+// output and exit 0 for "--help"; the version and exit 0 for "--version";
+// the reason on standard error and exit 2 for a bad long option.
 void ParseCommandLine(int argc, char **argv, StartupArgs *args);
 // Writes the usage text, showing the current settings as the defaults.
 void WriteUsage(FILE *out, const char *progname);
+// WriteUsage followed by the long options.
+void WriteFullUsage(FILE *out, const char *progname);
 // Usage text to standard error, then CleanExit. Never returns.
 [[noreturn]] void GiveUsage(const char *progname);
 // Ends the process with status 0; frees and saves nothing.
