@@ -73,7 +73,7 @@ TEST_F(Limits, UsageStopsTheScanWithoutExiting)
     const struct { const char *id; std::vector<const char *> words; int ret, nsamples; } cases[] = {
         {"args-1.1", {"-n", "5", "-h", "-n", "7"}, 0, 5},  // settings before "-h" stay for the usage
         {"args-1.2", {"-h", "-n", "7"}, 0, 10},
-        {"args-1.3", {"-n", "7", "-x", "--h"}, 1, 7},
+        {"args-1.3", {"-n", "7", "-x", "--h"}, -1, 7},     // unknown short words pass, long ones do not
         {"args-1.4", {"-n"}, 1, 1},                         // missing value reads as ""
     };
     for (const auto &c : cases) {
