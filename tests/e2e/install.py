@@ -13,8 +13,7 @@ import subprocess
 import sys
 
 sys.path.insert(0, os.path.dirname(__file__))
-from harness import check, equal, finish, run, workdir  # noqa: E402
-from tgafile import rgb_image  # noqa: E402
+from harness import check, equal, finish, picture, run, workdir  # noqa: E402
 
 cmake, build, sanitized = sys.argv[1], sys.argv[2], sys.argv[3]
 if sanitized not in ("", "0"):
@@ -60,10 +59,10 @@ os.rename(staged, prefix)
 libdir = libdir.replace(staged, prefix)
 example = os.path.join(tmp, "imagestats")
 shutil.copytree(os.path.join(src, "examples", "imagestats"), example)
-picture = os.path.join(tmp, "four.tga")
 # Bottom row black, red; top row green, blue.
-rgb_image(picture, 2, 2, lambda x, y: [[(0, 0, 0), (255, 0, 0)], [(0, 255, 0), (0, 0, 255)]][y][x])
-want = ["image:      %s, 2 x 2, 24 bits per pixel" % picture,
+four = picture(os.path.join(tmp, "four.tga"), (2, 2), ("#f00", "point 1,1"), ("#0f0", "point 0,0"),
+               ("#00f", "point 1,0"), background="black")
+want = ["image:      %s, 2 x 2, 24 bits per pixel" % four,
         "black:      1 pixels (25.0%)",
         "mean RGB:   0.250 0.250 0.250",
         "luma:       0.250",
@@ -72,7 +71,7 @@ want = ["image:      %s, 2 x 2, 24 bits per pixel" % picture,
 
 
 def check_example(case_id, program, base):
-    p = sh(case_id + ".1 run", [program, picture, base])
+    p = sh(case_id + ".1 run", [program, four, base])
     lines = p.stdout.splitlines()
     equal(case_id + ".2 statistics", lines[:-1], want)
     equal(case_id + ".3 written", lines[-1:], ["written:    %s.tiff, %s.eps" % (base, base)])

@@ -3,11 +3,10 @@
 disk as a run-length file) loads and analyses correctly in quiet mode."""
 import os
 import shutil
-import struct
 import sys
 
 sys.path.insert(0, os.path.dirname(__file__))
-from harness import check, equal, finish, run, workdir  # noqa: E402
+from harness import check, equal, finish, run, tga_header, workdir  # noqa: E402
 
 prog = sys.argv[1]
 tmp = workdir()
@@ -21,7 +20,7 @@ row = (bytes([0xFF]) + WHITE) * (side // 128 - 1) + bytes([0xFE]) + WHITE + byte
 top = (bytes([0xFF]) + BLACK) * (side // 128)
 path = os.path.join(tmp, "large.tga")
 with open(path, "wb") as f:
-    f.write(struct.pack("<BBBHHBHHHHBB", 0, 0, 10, 0, 0, 0, 0, 0, side, side, 24, 0))
+    f.write(tga_header(10, 24, side, side))
     f.write(row * (side - 1) + top)
 
 status, out, err = run(prog, "-q", "-i", path, "-b1", "4096", "-b2", "512", "-bf", "2", "-n", "1",
