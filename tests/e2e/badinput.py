@@ -1,11 +1,8 @@
 #!/usr/bin/python3
-"""Bad input and scarce resources in quiet mode, as the user meets them: each
-unreadable file gives its message on standard error, nothing on standard
-output and exit status 255, without a crash or a hang; headers that claim
-far more pixels than the file holds are refused without the program first
-touching gigabytes; results that cannot be written and an analysis that
-cannot finish are reported. (What the reader makes of each kind of damage is
-pinned by its unit tests.)"""
+"""Bad input and scarce resources in quiet mode, as the user meets them: an
+unreadable file gives its message, nothing on standard output and status 255,
+without touching gigabytes for a lying header; output that cannot be written
+and an analysis that cannot finish are reported."""
 import os
 import random
 import resource
@@ -19,9 +16,7 @@ from harness import check, equal, finish, run, tga_header, workdir  # noqa: E402
 prog = sys.argv[1]
 tmp = workdir()
 triangle = os.path.join("examples", "triangle.tga")
-# The address sanitizer keeps freed memory in quarantine and maps shadow
-# memory: resident sizes mean nothing under it.
-sanitized = "ASAN_OPTIONS" in os.environ
+sanitized = "ASAN_OPTIONS" in os.environ   # its shadow memory and quarantine make resident sizes meaningless
 
 READ_FAILED, NO_BITMAP = "   Image read failed\n", "   Failed to create image\n"
 big = 46340  # about 2.1 thousand million pixels: just below the most the bitmap library accepts
@@ -36,8 +31,7 @@ cases = [
     ("bad-1.7 too large", tga_header(width=65535, height=65535) + bytes(10), [NO_BITMAP]),
     # Lying headers: the bitmap (8.5 GB) may be granted, never touched, or refused.
     ("lie-1.1 true colour", tga_header(2, 24, big, big) + bytes(100), [READ_FAILED, NO_BITMAP]),
-    ("lie-1.2 run-length", tga_header(10, 32, big, big) + bytes([0xFF, 1, 2, 3, 4]) * 20,
-     [READ_FAILED, NO_BITMAP]),
+    ("lie-1.2 run-length", tga_header(10, 32, big, big) + bytes([0xFF, 1, 2, 3, 4]) * 20, [READ_FAILED, NO_BITMAP]),
     ("lie-1.3 colour-mapped", tga_header(1, 8, big, big, maptype=1, maplen=65535, mapbits=32) + bytes(64),
      [READ_FAILED, NO_BITMAP]),
 ]
@@ -50,7 +44,6 @@ for cid, data, last in cases:
     else:
         with open(path, "wb") as f:
             f.write(data)
-    # -b1: an automatic start size on a region under 5 pixels would be 0
     status, out, err = run(prog, "-q", "-i", path, "-b1", "2", timeout=30)
     check(cid, (status, out) == (255, "") and err.splitlines(True)[-1:] in [[l] for l in last],
           f"{status} {out!r} {err!r}")
@@ -59,13 +52,12 @@ peak = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
 check("lie-1.4 memory", sanitized or peak < 64 * 1024, f"peak resident size {peak} kB")
 
 # A seeded stream of damaged headers and bodies: read or refused, never a crash.
-rng = random.Random(4242)
+rng, path = random.Random(4242), os.path.join(tmp, "damaged.tga")
 good = tga_header(imagetype=10, width=8, height=8) + bytes([0x87, 0, 0, 0, 0x07] + [255] * 24) * 8
 for k in range(40):
     data = bytearray(good)
     for _ in range(rng.randint(1, 6)):
         data[rng.randrange(len(data))] = rng.randrange(256)
-    path = os.path.join(tmp, "damaged.tga")
     with open(path, "wb") as f:
         f.write(data[:rng.randint(0, len(data))])
     status, out, err = run(prog, "-q", "-i", path, "-b1", "4", "-b2", "2", "-n", "1", timeout=30)
@@ -85,8 +77,7 @@ p = subprocess.Popen([prog, "-q", "-i", triangle, "-sl", "2000"], stdout=subproc
 first = p.stderr.readline()
 p.kill()
 p.wait()
-check("edge-1.1 negative start size warned", first.startswith("Warning, start box size is -") and "-b1" in first,
-      first)
+check("edge-1.1 negative start size", first.startswith("Warning, start box size is -") and "-b1" in first, first)
 
 shutil.rmtree(tmp)
 finish()

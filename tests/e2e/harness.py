@@ -1,5 +1,4 @@
-"""Running the built program in end-to-end tests, writing test images, and
-reporting checks by id."""
+"""Running the built program in end-to-end tests, writing test images, and reporting checks by id."""
 import os
 import struct
 import subprocess
@@ -24,14 +23,12 @@ def run(prog, *args, frozen=False, timeout=60, argv0=None):
 
 
 def picture(path, size, *shapes, background="white"):
-    """Writes a 24-bit TGA with ImageMagick: a background, then each shape, a
-    (colour, primitive) pair such as ("black", "rectangle 0,0 9,4"), in
-    ImageMagick's coordinates (y counts down from the top row)."""
+    """Writes a 24-bit TGA with ImageMagick: a background, then each shape, a (colour, primitive)
+    pair such as ("black", "rectangle 0,0 9,4") in ImageMagick's coordinates (y down from the top)."""
     cmd = ["convert", "-size", "%dx%d" % size, "xc:" + background, "+antialias"]
     for colour, primitive in shapes:
         cmd += ["-fill", colour, "-draw", primitive]
-    subprocess.run(cmd + ["-orient", "TopLeft", "-type", "TrueColor", "-compress", "None", path],
-                   check=True)
+    subprocess.run(cmd + ["-orient", "TopLeft", "-type", "TrueColor", "-compress", "None", path], check=True)
     return path
 
 
