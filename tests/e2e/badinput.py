@@ -22,7 +22,7 @@ READ_FAILED, NO_BITMAP = "   Image read failed\n", "   Failed to create image\n"
 big = 46340  # about 2.1 thousand million pixels: just below the most the bitmap library accepts
 cases = [
     # id, file contents (None: no such file, "DIR": a directory), last lines of standard error accepted
-    ("bad-1.1 missing", None, None),
+    ("bad-1.1 missing", None, []),
     ("bad-1.2 empty", b"", [READ_FAILED]),
     ("bad-1.3 truncated header", tga_header()[:11], [READ_FAILED]),
     ("bad-1.4 truncated pixels", tga_header() + bytes(20), [READ_FAILED]),
@@ -36,12 +36,9 @@ cases = [
      [READ_FAILED, NO_BITMAP]),
 ]
 for cid, data, last in cases:
-    path = os.path.join(tmp, cid.split()[0] + ".tga")
-    if data is None:
-        last = ['Failed to open file "%s"\n' % path]
-    elif data == "DIR":
-        os.mkdir(path)
-    else:
+    path = tmp if data == "DIR" else os.path.join(tmp, cid.split()[0] + ".tga")
+    last = last or ['Failed to open file "%s"\n' % path]
+    if isinstance(data, bytes):
         with open(path, "wb") as f:
             f.write(data)
     status, out, err = run(prog, "-q", "-i", path, "-b1", "2", timeout=30)

@@ -1,10 +1,12 @@
 #!/usr/bin/python3
 """The installed tree as another program sees it: every file in its place, the
-installed program runs, and after the tree is moved the example program builds
-against it with find_package and with pkg-config, then reads, measures and
-writes an image. Arguments: cmake, the build directory, whether it is sanitized."""
+installed program runs, its manual page lints clean and documents every switch,
+and after the tree is moved the example program builds against it with
+find_package and with pkg-config, then reads, measures and writes an image.
+Arguments: cmake, the build directory, whether it is sanitized."""
 import glob
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -48,6 +50,19 @@ with open(os.path.join(DATA, "quiet-carpet.out")) as f:
     equal("install-2.1 quiet run", run(os.path.join(staged, "bin", "quorl"), "-q", "-i", "examples/carpet.tga",
                                        "-b2", "3", "-bf", "1.5", frozen=True), (0, f.read(), ""))
 
+# install-3: the manual page lints clean with mandoc and groff, and documents every
+# switch that the usage text lists (and -d, which it leaves out).
+page = os.path.join(staged, "share", "man", "man1", "quorl.1")
+for lint in (["mandoc", "-T", "lint", "-W", "style", page], ["groff", "-ww", "-man", "-z", page]):
+    p = subprocess.run(lint, capture_output=True, text=True)
+    equal("install-3.1 " + lint[0], (p.returncode, p.stdout + p.stderr), (0, ""))
+with open(page, encoding="utf-8") as f:
+    text = f.read()
+switches = re.findall(r"^\s+(-\w+)", run(os.path.join(staged, "bin", "quorl"), "-h")[2], re.M) + ["-d"]
+check("install-3.2 usage parsed", len(switches) == 14, switches)
+equal("install-3.3 switches not documented",
+      [s for s in switches if not re.search(r"^\.(?:B|BI|OP) \\" + s + r"\b", text, re.M)], [])
+
 # Moved after installing: nothing may point back at the build or the first prefix.
 prefix = os.path.join(tmp, "moved")
 os.rename(staged, prefix)
@@ -70,23 +85,20 @@ def check_example(case_id, program, base):
         check(case_id + ".4 " + ext, data.startswith(magic) and len(data) > 2 * 2 * 3, repr(data[:30]))
 
 
-# install-3: CMake's find_package.
+# install-4: CMake's find_package.
 cm = os.path.join(tmp, "cmake-build")
-sh("install-3.0 configure", [cmake, "-S", example, "-B", cm, "-DCMAKE_PREFIX_PATH=" + prefix])
-sh("install-3.0 build", [cmake, "--build", cm])
-if os.path.isfile(os.path.join(cm, "imagestats")):
-    check_example("install-3", os.path.join(cm, "imagestats"), os.path.join(tmp, "cm"))
+sh("install-4.0 configure", [cmake, "-S", example, "-B", cm, "-DCMAKE_PREFIX_PATH=" + prefix])
+sh("install-4.0 build", [cmake, "--build", cm])
+check_example("install-4", os.path.join(cm, "imagestats"), os.path.join(tmp, "cm"))
 
-# install-4: pkg-config, through the example's Makefile.
+# install-5: pkg-config, through the example's Makefile.
 pc = {"PKG_CONFIG_PATH": os.path.join(libdir, "pkgconfig")}
-flags = sh("install-4.0 pkg-config", ["pkg-config", "--cflags", "--libs", "quorl-bitmap", "quorl-util"],
+flags = sh("install-5.0 pkg-config", ["pkg-config", "--cflags", "--libs", "quorl-bitmap", "quorl-util"],
            extra_env=pc).stdout.split()
-for flag in flags:
-    if flag.startswith(("-I", "-L")):
-        check("install-4.1 " + flag, os.path.realpath(flag[2:]).startswith(os.path.realpath(prefix)))
-sh("install-4.0 make", ["make", "-s"], cwd=example, extra_env=pc)
-if os.path.isfile(os.path.join(example, "imagestats")):
-    check_example("install-4", os.path.join(example, "imagestats"), os.path.join(tmp, "pc"))
+equal("install-5.1 paths outside the moved tree", [f for f in flags if f.startswith(("-I", "-L"))
+      and not os.path.realpath(f[2:]).startswith(os.path.realpath(prefix))], [])
+sh("install-5.0 make", ["make", "-s"], cwd=example, extra_env=pc)
+check_example("install-5", os.path.join(example, "imagestats"), os.path.join(tmp, "pc"))
 
 shutil.rmtree(tmp, ignore_errors=True)
 finish()

@@ -8,9 +8,7 @@ import sys
 sys.path.insert(0, os.path.dirname(__file__))
 from harness import DATA, equal, finish, run, tga_header, workdir  # noqa: E402
 
-prog = sys.argv[1]
-tmp = workdir()
-side = 16384
+prog, tmp, side = sys.argv[1], workdir(), 16384
 
 # White, except the top row and the rightmost column, which are black: a
 # structure of dimension 1 that only a complete, correctly ordered read of the

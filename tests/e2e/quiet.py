@@ -1,10 +1,7 @@
 #!/usr/bin/python3
-"""Whole quiet runs without a display: the exact standard output of runs with
-the clock held still (the grid offsets are seeded from it) against the files
-in tests/data, the usage text, and the runs that have nothing to count.
-
-With --update as the second argument, the files in tests/data are written
-from the program's output instead: only after checking the new output by hand."""
+"""Whole quiet runs without a display: the exact output of runs with the clock held still (the
+grid offsets are seeded from it) against tests/data, the usage text, runs with nothing to count.
+With --update as second argument the files are rewritten: only after checking the output by hand."""
 import os
 import re
 import shutil
