@@ -27,7 +27,7 @@ GOLDEN = [
     # ... and a region value that is a switch both reads as 0 and acts.
     ("region-switch", ["-i", dust, "-st", "-q", "-n", "1"]),
     # Start size 1 is automatic, end size 0 counts down to 1, factor 1 is 1.1, 0 samples one pass.
-    ("clamped", ["-q", "-i", triangle, "-b1", "20", "-b2", "0", "-bf", "1", "-n", "0"]),
+    ("clamped", ["-q", "-i", triangle, "-sr", "120", "-st", "120", "-b1", "20", "-b2", "0", "-bf", "1", "-n", "0"]),
     # Region edges at the int limits: the grid corners must not overflow.
     ("region-beyond", ["-q", "-i", triangle, "-n", "2", "-sl", "2147483647", "-b1", "2147483647"]),
     ("region-wide", ["-q", "-i", triangle, "-n", "2", "-st", "2147483647", "-sb", "-2147483648", "-b1", "40"]),
