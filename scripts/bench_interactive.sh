@@ -25,21 +25,22 @@ import sys
 import time
 
 sys.path.insert(0, os.path.join("tests", "e2e"))
-from gui_harness import Session  # noqa: E402
+import gui  # noqa: E402
 
 quorl, image, extra = os.path.abspath(sys.argv[1]), sys.argv[2], sys.argv[3:]
 clock = ["faketime", "-f", "@2024-01-01 00:00:00"]   # '@': starts there, then runs
 
-s = Session("bench")
+gui.quorl = quorl
+gui.XVFB, gui.ENV = gui.start_xvfb()
 try:
-    p = s.run(quorl, "-p", "-i", image, *extra, prefix=clock)
+    p = gui.Program("-p", "-i", image, *extra, prefix=clock)
     start = p.wait_line(r"^Processing starting", timeout=60)
     t0 = time.monotonic()
     fin = p.wait_line(r"^Processing finished", start, timeout=3600)
     t1 = time.monotonic()
     frames = 0
     lines = p.lines()
-    w, h = map(int, re.search(r"Image dimensions: (\d+) x (\d+)", p.err()).groups())
+    w, h = map(int, re.search(r"Image dimensions: (\d+) x (\d+)", "\n".join(p.lines())).groups())
     boxes = 0
     for line in lines[start:fin]:
         m = re.search(r"Box size:\s+(\d+) \[\s*\d+\](?:, Offset\s+\d+ of\s+\d+: \(\s*(\d+),\s*(\d+)\))?",
@@ -48,9 +49,9 @@ try:
             size, ox, oy = int(m.group(1)), int(m.group(2) or 0), int(m.group(3) or 0)
             boxes += math.ceil((w + ox) / size) * math.ceil((h + oy) / size)
     p.key("Escape")
-    p.wait_exit()
+    p.exits()
 finally:
-    s.close()
+    gui.XVFB.kill()
 
 q0 = time.monotonic()
 quiet = subprocess.run(clock + [quorl, "-q", "-i", image] + extra, capture_output=True, text=True)
