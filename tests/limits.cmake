@@ -2,7 +2,6 @@
 # cannot be written, buffers that cannot be allocated, huge and lying headers.
 # Tests labelled "heavy" need real memory (more than a gigabyte) and are left
 # out of the sanitizer run.
-quorl_unit_test(test_limits ${CMAKE_CURRENT_LIST_DIR}/test_limits.cpp LIBS quorlcore)
 quorl_e2e_test(e2e_limits limits.py)
 quorl_e2e_test(e2e_large_image large_image.py heavy)
 set_tests_properties(e2e_large_image PROPERTIES TIMEOUT 120)
