@@ -17,8 +17,7 @@ using Table = std::vector<std::pair<int, int>>;  // (size, count) of each result
 
 inline time_t fixed_clock() { return 1000000000; }
 
-// Every application test starts from the defaults, quiet, seeded by the fixed
-// clock, with no hooks on the program's own analysis.
+// Every application test starts from the defaults, quiet, seeded by the fixed clock, with no hooks.
 struct AppTest : ::testing::Test {
     void SetUp() override
     {
@@ -30,15 +29,19 @@ struct AppTest : ::testing::Test {
     }
 };
 
-// Installs a w x h image, black where black(x, y) holds, and builds the
-// working images, which resets the program's own analysis.
-inline void use_image(int w, int h, const Shape &black)
+// Installs a w x h image whose pixel i, at (i % w, i / w), is pixel(i).
+inline void set_image(int w, int h, const std::function<BitmapPixel(int)> &pixel)
 {
     Destroy_Bitmap(image);
     image = Create_Bitmap(w, h);
     options.imagewidth = w, options.imageheight = h;
-    for (int i = 0; i < w * h; i++)
-        image[i] = black(i % w, i / w) ? BitmapPixel{0, 0, 0, 255} : BitmapPixel{255, 255, 255, 255};
+    for (int i = 0; i < w * h; i++) image[i] = pixel(i);
+}
+
+// An image black where black(x, y) holds, its working images built: the program's analysis is reset.
+inline void use_image(int w, int h, const Shape &black)
+{
+    set_image(w, h, [&](int i) { return black(i % w, i / w) ? BitmapPixel{0, 0, 0, 255} : BitmapPixel{255, 255, 255, 255}; });
     UpdateImages();
 }
 
@@ -56,8 +59,7 @@ inline Analysis *analysis_of(int w, int h, const Shape &black, const Options &se
 // Steps the program's own analysis until it finishes or limit steps are taken.
 inline void run_to_end(long limit = 10000000)
 {
-    for (long i = 0; i < limit && !BoxCount(1); i++) {
-    }
+    while (limit-- > 0 && !BoxCount(1)) continue;
 }
 
 inline Table table_of(const BoxResult *r, int n)
