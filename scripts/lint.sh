@@ -22,7 +22,7 @@ import json, os, re, sys
 everything = sys.argv[1] != "--core"
 core = re.compile(r"^(app/.*|bitmap/.*|util/(maths|regress)\.cpp|fuzz/.*|tests/tools/.*"
                   r"|tests/test_(pixels|tga|resample|writer|maths|regress|engine|estimate"
-                  r"|images|limits|gui_commands)\.cpp)$")
+                  r"|images|gui_commands)\.cpp)$")
 root = os.getcwd() + os.sep
 entries = json.load(open("build-lint/compile_commands.json"))
 keep = [e for e in entries if e["file"].startswith(root)

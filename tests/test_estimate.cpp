@@ -1,169 +1,105 @@
-// The dimension estimate, its single-precision fit, and the results table.
+// The dimension estimate, its single-precision fit, and the results lines where they are saved.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <vector>
+#include <fstream>
+#include <sstream>
 
 #include "app/estimate.h"
 #include "app/results.h"
 #include "app_fixture.h"
 
+using Estimate = AppTest;
+
 namespace {
 
-void set_results(const std::vector<std::pair<int, int>> &entries)
+std::vector<BoxResult> entries(const Table &t)
 {
-    nresults = 0;
-    for (auto [size, count] : entries) {
-        results = (BoxResult *)realloc(results, sizeof(BoxResult) * (size_t)(nresults + 1));
-        results[nresults++] = BoxResult{size, count, 7};
-    }
+    std::vector<BoxResult> r;
+    for (auto [size, count] : t) r.push_back({size, count, 7});  // a stale scratch mark
+    return r;
 }
 
-// What fn writes to a stream, or what it leaves in the file at path.
-template <class F> std::string written(F fn)
+void set_results(const Table &t)  // as the program's own results
 {
-    char *buf = nullptr;
-    size_t len = 0;
-    FILE *f = open_memstream(&buf, &len);
-    fn(f);
-    fclose(f);
-    std::string s(buf, len);
-    free(buf);
-    return s;
+    Analysis *a = CurrentAnalysis();
+    a->results = (BoxResult *)realloc(a->results, sizeof(BoxResult) * (t.size() + 1));
+    a->resultslength = (int)t.size() + 1, a->nresults = (int)t.size();
+    std::copy_n(entries(t).begin(), t.size(), a->results);
 }
-
-std::string slurp(const std::string &path)
-{
-    std::string s;
-    if (FILE *f = fopen(path.c_str(), "r")) {
-        for (int c; (c = fgetc(f)) != EOF;) s += (char)c;
-        fclose(f);
-    }
-    return s;
-}
-
-class Estimate : public ::testing::Test {
-protected:
-    void SetUp() override { quiet_defaults(); }
-};
 
 }  // namespace
 
-TEST_F(Estimate, SlopeFromTheSmallestCountPerSize)
+TEST_F(Estimate, OnePointPerSizeAndTheSlope)
 {
-    set_results({});
-    EXPECT_EQ(CalcSlope(), -1.0);
-    set_results({{10, 100}, {5, 400}, {2, 2500}});  // too few entries
-    EXPECT_EQ(CalcSlope(), -1.0);
-    set_results({{10, 100}, {5, 400}, {10, 90}, {5, 380}});  // two sizes only
-    EXPECT_EQ(CalcSlope(), 0.0);
-
-    set_results({{10, 100}, {5, 400}, {2, 2500}, {10, 90}, {5, 380}, {2, 2600}});
-    float x[6], y[6];
-    ASSERT_EQ(MakeLogPoints(x, y), 3);
-    const double want[3][2] = {{log(0.1), log(90.0)}, {log(0.2), log(380.0)}, {log(0.5), log(2500.0)}};
-    for (int i = 0; i < 3; i++) {
-        EXPECT_FLOAT_EQ(x[i], (float)want[i][0]);
-        EXPECT_FLOAT_EQ(y[i], (float)want[i][1]);
+    const double l4 = log(1 / 4e1), l2 = log(1 / 2e1), l1 = log(1 / 1e1);
+    const struct { const char *id; Table t; std::vector<std::pair<double, double>> points; double slope; } cases[] = {
+        {"est-1.1", {{10, 100}, {5, 400}, {2, 2500}, {10, 90}, {5, 380}, {2, 2600}},  // the smaller count per size
+         {{l1, log(90.0)}, {log(0.2), log(380.0)}, {log(0.5), log(2500.0)}}, 2.064968},
+        {"est-1.2", {{10, 100}, {5, 400}, {2, 2500}}, {{l1, log(1e2)}, {log(0.2), log(4e2)}, {log(0.5), log(2.5e3)}}, -1},
+        {"est-1.3", {{10, 100}, {5, 400}, {10, 90}, {5, 380}}, {{l1, log(90.0)}, {log(0.2), log(380.0)}}, 0},  // 2 sizes
+        {"est-1.4", {{40, 1}, {20, 1}, {10, 1}, {5, 1}}, {{l4, 0}, {l2, 0}, {l1, 0}, {log(0.2), 0}}, 0},
+        {"est-1.5", {{40, 5}, {20, 9}, {10, 30}, {40, 0}}, {{l4, 0}, {l2, log(9.0)}, {l1, log(30.0)}}, 2.453445},  // a later zero counts as 1
+        {"est-1.6", {{40, 0}, {40, 0}, {20, 0}, {10, 0}}, {{l4, 0}, {l2, 0}, {l1, 0}}, 0},  // a first zero gives 0
+        // Logarithms closer than 0.0001 share a point. The difference is taken in single precision, where at 10000
+        // and 10001 it comes to 1.0014e-4: no sizes up to 10000 merge, as none merge in the results lines.
+        {"est-1.7", {{20000, 5}, {20001, 4}, {20, 7}, {30, 8}}, {{log(1 / 2e4), log(4.0)}, {l2, log(7.0)}, {log(1 / 30.0), log(8.0)}}, 0.092263},
+        {"est-1.8", {{10000, 5}, {10001, 4}}, {{log(1e-4), log(5.0)}, {log(1 / 10001.0), log(4.0)}}, -1},
+        {"est-1.9", {{9999, 5}, {10000, 4}}, {{log(1 / 9999.0), log(5.0)}, {log(1e-4), log(4.0)}}, -1},
+    };
+    for (const auto &c : cases) {
+        const auto r = entries(c.t);
+        std::vector<float> x(r.size(), NAN), y(r.size(), NAN);
+        ASSERT_EQ(MakeLogPointsOf(r.data(), (int)r.size(), x.data(), y.data()), (int)c.points.size()) << c.id;
+        for (size_t i = 0; i < c.points.size(); i++)
+            EXPECT_TRUE(x[i] == (float)c.points[i].first && y[i] == (float)c.points[i].second) << c.id << " point " << i;
+        EXPECT_NEAR(SlopeOf(r.data(), (int)r.size()), c.slope, 1e-5) << c.id;
     }
-    EXPECT_NEAR(CalcSlope(), 2.064968220922576, 1e-5);  // least squares through those points
-}
-
-TEST_F(Estimate, ZeroCountsAndCloseSizes)
-{
-    float x[4], y[4];
-    set_results({{40, 1}, {20, 1}, {10, 1}, {5, 1}});  // one black pixel
-    EXPECT_EQ(CalcSlope(), 0.0);
-    set_results({{40, 5}, {20, 9}, {10, 30}, {40, 0}});  // a later zero count counts as 1
-    ASSERT_EQ(MakeLogPoints(x, y), 3);
-    EXPECT_EQ(y[0], 0.0f);
-    set_results({{40, 0}, {20, 0}, {10, 0}, {5, 0}});  // a first zero gives 0, not an unset value
-    EXPECT_EQ(MakeLogPoints(x, y), 4);
-    for (float v : y) EXPECT_EQ(v, 0.0f);
-    EXPECT_EQ(CalcSlope(), 0.0);
-
-    // Sizes closer than 0.0001 in the logarithm share a point. The difference
-    // is taken in single precision: at 10000 and 10001 it rounds to 1.0014e-4,
-    // so sizes up to 10000 never merge.
-    set_results({{20000, 5}, {20001, 4}, {20, 7}, {30, 8}});
-    EXPECT_EQ(MakeLogPoints(x, y), 3);
-    EXPECT_FLOAT_EQ(y[0], (float)log(4.0));
-    set_results({{10000, 5}, {10001, 4}, {20, 7}, {30, 8}});
-    EXPECT_EQ(MakeLogPoints(x, y), 4);
 }
 
 TEST(LinRegressf, SinglePrecisionFit)
 {
-    const struct { std::vector<float> x, y; int ok; float a, b, r; } cases[] = {
-        {{0, 1, 2}, {1, 3, 5}, 1, 1, 2, 1},
-        {{2, 2, 2}, {1, 3, 5}, 0, 0, 0, 0},
-        {{0}, {1}, 0, 0, 0, 0},
-        {{0, 1, 2}, {4, 4, 4}, 1, 4, 0, 1},
-        // The sums stay in double: a large offset in x does not wreck the slope.
-        {{1000, 1001, 1002, 1003}, {0.5f, 2.5f, 4.5f, 6.5f}, 1, NAN, 2, 1},
+    const struct { std::vector<float> x, y; int ok; float a, b; } cases[] = {
+        {{0, 1, 2}, {1, 3, 5}, 1, 1, 2},
+        {{2, 2, 2}, {1, 3, 5}, 0, 0, 0},  // all x equal: no fit, every output 0
+        {{1000, 1001, 1002, 1003}, {0.5f, 2.5f, 4.5f, 6.5f}, 1, -1999.5f, 2},  // sums in double: x far from 0 is fine
     };
     for (const auto &c : cases) {
         float a = 9, b = 9, r = 9;
         EXPECT_EQ(LinRegressf(c.x.data(), c.y.data(), (int)c.x.size(), &a, &b, &r), c.ok) << c.x[0];
-        if (!std::isnan(c.a)) {
-            EXPECT_NEAR(a, c.a, 1e-6) << c.x[0];
-        }
-        EXPECT_NEAR(b, c.b, 1e-3) << c.x[0];
-        EXPECT_NEAR(r, c.r, 1e-6) << c.x[0];
+        EXPECT_TRUE(fabs(a - c.a) < 0.5f && fabs(b - c.b) < 1e-3 && fabs(r - c.ok) < 1e-6) << c.x[0] << ": " << a << " " << b << " " << r;
     }
 }
 
-TEST_F(Estimate, TableAndSaving)
+TEST_F(Estimate, SavingResults)
 {
-    set_results({{60, 40}, {100, 1234567}, {60, 35}, {100, 1300000}});
-    EXPECT_EQ(written(WriteResults), "60 35 -4.09434 3.55535\n100 1.23457e+06 -4.60517 14.0262\n");
-    // Zero counts take no part; a size whose counts are all zero has no line.
-    set_results({{60, 0}, {30, 0}, {60, 12}, {30, 0}});
-    EXPECT_EQ(written(WriteResults), "60 12 -4.09434 2.48491\n");
-    set_results({{60, 0}, {30, 0}, {60, 0}, {30, 0}});
-    EXPECT_EQ(written(WriteResults), "");
-
-    const std::string four = "60 35 -4.09434 3.55535\n30 90 -3.4012 4.49981\n";
-    set_results({{60, 40}, {30, 100}, {60, 35}});
-    ::testing::internal::CaptureStdout();
-    SaveResults();  // quiet, three entries: nothing at all
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-    set_results({{60, 40}, {30, 100}, {60, 35}, {30, 90}});
-    ::testing::internal::CaptureStdout();
-    SaveResults();  // quiet: standard output
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), four);
-
-    // Interactive: the chosen file is replaced; cancelling says nothing;
-    // failures to open and names too long for the buffer are reported.
+    // One line per size with its smallest count, "%g" to six digits; zero counts take no part.
+    set_results({{60, 40}, {100, 1234567}, {30, 0}, {60, 35}, {100, 1300000}, {30, 0}, {60, 0}});
+    const std::string lines = "60 35 -4.09434 3.55535\n100 1.23457e+06 -4.60517 14.0262\n";
+    // Into the file the user chooses, replacing it; a cancelled choice writes nothing; a file that cannot be
+    // written is reported. (Quiet runs write to standard output, which the end-to-end runs check.)
     options.quiet = 0;
+    auto file = [](const std::string &path) { return (std::stringstream() << std::ifstream(path).rdbuf()).str(); };
     static std::string chosen;
-    results_choosefile = [](const char *prompt) -> const char * {
-        EXPECT_STREQ(prompt, "Results file");
-        return chosen.c_str();
-    };
-    char dir[] = "/tmp/quorl-results-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    const std::string out = std::string(dir) + "/out.txt";
-    FILE *f = fopen(out.c_str(), "w");
-    fputs("old content that must go\n", f);
-    fclose(f);
-    const struct { std::string name, stderr_has; } saves[] = {
-        {out, ""}, {"", ""}, {std::string(dir) + "/no/such/dir/out.txt", "Failed to open results file"},
-        {std::string(dir) + "/" + std::string(300, 'a'), "too long"},
+    results_choosefile = [](const char *prompt) { return prompt == std::string("Results file") ? chosen.c_str() : ""; };
+    std::string dir = ::testing::TempDir() + "quorl-results-XXXXXX";
+    ASSERT_NE(mkdtemp(dir.data()), nullptr);
+    const std::string out = dir + "/out.txt", missing = dir + "/no/out.txt", longer = dir + "/" + std::string(300, 'a');
+    std::ofstream(out) << "old content that must go\n";
+    const struct { std::string name, err; } saves[] = {
+        {out, ""}, {"", ""}, {"/dev/null", ""},
+        {"/dev/full", "Failed to write results file \"/dev/full\": No space left on device\n"},
+        {missing, "Failed to open results file \"" + missing + "\": No such file or directory\n"},
+        {longer, "Results file name too long (" + std::to_string(longer.size()) + " characters, at most 255)\n"},
     };
     for (const auto &s : saves) {
         chosen = s.name;
-        ::testing::internal::CaptureStderr();
-        SaveResults();
-        const std::string err = ::testing::internal::GetCapturedStderr();
-        EXPECT_TRUE(s.stderr_has.empty() ? err.empty() : err.find(s.stderr_has) != std::string::npos)
-            << s.name << ": " << err;
+        EXPECT_EQ(stderr_of(SaveResults), s.err) << s.name;
     }
-    EXPECT_EQ(slurp(out), four);
+    EXPECT_EQ(file(out), lines);
     remove(out.c_str());
-    rmdir(dir);
+    rmdir(dir.c_str());
     results_choosefile = nullptr;
 }
