@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "util/stream.h"
+#include "util/values.h"
+#include "util/vectors.h"
 
 using std::string;
 
