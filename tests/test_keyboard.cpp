@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "util/maths.h"
+#include "util/terminal.h"
 
 namespace {
 

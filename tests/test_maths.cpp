@@ -4,7 +4,9 @@
 #include <climits>
 #include <cmath>
 
-#include "util/maths.h"
+#include "util/arith.h"
+#include "util/special.h"
+#include "util/timer.h"
 
 TEST(IntegerMaths, PowerSqrtFactorial)
 {
