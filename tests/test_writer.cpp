@@ -44,21 +44,18 @@ Bytes write_image(const Image &im, int nx, int ny, int code, int *result = nullp
 Bytes rows_rgb(const Image &im, int nx, int ny, bool last_first, bool alpha)
 {
     Bytes out;
-    for (int i = 0; i < ny; i++)
-        for (int x = 0; x < nx; x++) {
-            const BitmapPixel &p = im[(size_t)(last_first ? ny - 1 - i : i) * nx + x];
-            out.insert(out.end(), {p.r, p.g, p.b});
-            if (alpha) out.push_back(p.a);
-        }
+    for (int i = 0; i < nx * ny; i++) {
+        const BitmapPixel &p = im[(size_t)((last_first ? ny - 1 - i / nx : i / nx) * nx + i % nx)];
+        out.insert(out.end(), {p.r, p.g, p.b, p.a});
+        out.resize(out.size() - !alpha);
+    }
     return out;
 }
 
-// Letters name pixels; 'a' differs from 'A' in alpha only.
-BitmapPixel letter(char c)
+BitmapPixel letter(char c)  // 'a' differs from 'A' in alpha only
 {
-    static const std::string names = "AaBCX";
     static const BitmapPixel px[5] = {{10, 20, 30, 255}, {10, 20, 30, 0}, {40, 50, 60, 255}, {70, 80, 90, 200}, {1, 2, 3, 4}};
-    return px[names.find(c)];
+    return px[std::string("AaBCX").find(c)];
 }
 
 Image row_of(const std::string &s)
@@ -68,12 +65,7 @@ Image row_of(const std::string &s)
     return row;
 }
 
-std::string rep(const std::string &s, int n)
-{
-    std::string out;
-    while (n-- > 0) out += s;
-    return out;
-}
+std::string rep(const std::string &s, int n) { return n > 0 ? s + rep(s, n - 1) : ""; }
 
 }  // namespace
 
@@ -88,22 +80,17 @@ TEST(writer_bytes, WithoutAnOutsideReader)
                  "5772697465426974 6d61702c206b6578 0000000000000000"));
     EXPECT_EQ(Bytes(sgi.begin() + 48, sgi.end()), write_image(f, 6, 5, 8));  // then raw r g b
     EXPECT_EQ(write_image(f, 6, 5, 8), rows_rgb(f, 6, 5, false, false));
-    const Image g = {{10, 20, 40, 0}, {255, 255, 255, 0}, {1, 1, 0, 0}};
-    EXPECT_EQ(write_image(g, 3, 1, 4), hx("17 ff 00"));  // grey (r+g+b)/3, truncated
+    EXPECT_EQ(write_image({{10, 20, 40, 0}, {255, 255, 255, 0}, {1, 1, 0, 0}}, 3, 1, 4), hx("17 ff 00"));  // (r+g+b)/3
 
-    for (int code : {0, 10, -10, 14, -14, 99, INT_MIN}) {  // no such format: nothing written
-        int ok = -1;
-        EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
-    }
     int ok = -1;
+    for (int code : {0, 10, -10, 14, -14, 99, INT_MIN})  // no such format: nothing written
+        EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
     EXPECT_TRUE(write_image(f, -6, 5, 1, &ok).empty() && ok == 0);
 
     static const struct { const char *text, *want; int ok; } hex[] = {
-        {"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}};
-    for (const auto &c : hex) {
-        EXPECT_EQ(capture([&](FILE *s) { return BM_WriteHexString(s, c.text); }, &ok), hx(c.want)) << c.text;
-        EXPECT_EQ(ok, c.ok) << c.text;
-    }
+        {"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}};  // odd last digit; a non-digit
+    for (const auto &c : hex)
+        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, c.text); }, &ok) == hx(c.want) && ok == c.ok) << c.text;
     unsigned char buf[4] = {9, 9, 9, 9};
     EXPECT_EQ(capture([&](FILE *s) { return BM_WriteLongInt(s, buf, 0xFFFFFFFEu); }), hx("fffffffe"));
     EXPECT_EQ(Bytes(buf, buf + 4), hx("fffffffe"));
@@ -111,19 +98,16 @@ TEST(writer_bytes, WithoutAnOutsideReader)
 
 TEST(writer_rle, Packets)
 {
-    // "#81 B": a header byte, then pixel values by letter (b g r [a]).
-    auto packets = [](const std::string &text, int bytes) {
+    auto packets = [](const std::string &text, int bytes) {  // "#81 B": a header byte, then pixels by letter
         Bytes out;
-        for (size_t i = 0; i < text.size(); i++) {
-            if (text[i] == ' ') continue;
-            if (text[i] == '#') {
-                out.push_back((unsigned char)std::stoi(text.substr(i + 1, 2), nullptr, 16));
-                i += 2;
-                continue;
+        std::istringstream in(text);
+        for (std::string w; in >> w;) {
+            if (w[0] == '#') out.push_back((unsigned char)std::stoi(w.substr(1), nullptr, 16));
+            for (char ch : w[0] == '#' ? std::string() : w) {
+                const BitmapPixel p = letter(ch);
+                out.insert(out.end(), {p.b, p.g, p.r, p.a});
+                out.resize(out.size() - (bytes == 3));
             }
-            const BitmapPixel p = letter(text[i]);
-            out.insert(out.end(), {p.b, p.g, p.r});
-            if (bytes == 4) out.push_back(p.a);
         }
         return out;
     };
@@ -140,8 +124,8 @@ TEST(writer_rle, Packets)
     };
     for (const auto &c : cases) {
         const Image row = row_of(c.row);
-        EXPECT_EQ(capture([&](FILE *f) { return WriteTGACompressedRow(f, row.data(), (int)row.size(), c.bytes), 0; }),
-                  packets(c.want, c.bytes)) << c.id;
+        const Bytes got = capture([&](FILE *f) { return WriteTGACompressedRow(f, row.data(), (int)row.size(), c.bytes), 0; });
+        EXPECT_EQ(got, packets(c.want, c.bytes)) << c.id;
     }
 }
 
