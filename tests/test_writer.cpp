@@ -1,16 +1,13 @@
-// tests/test_writer.cpp - the image writer.
-//
-// Focus: every format decoded by a program nobody here wrote (ImageMagick,
-// libtiff, Ghostscript, netpbm), round trips through our TGA reader, the bytes
-// no outside reader checks (run-length packets, the 48-byte header, raw grey),
-// codes that name no format, and write errors. The test image is a 6x5 'F' (no
-// symmetry) in red on blue, so that row flips and R<->B swaps show.
+// tests/test_writer.cpp - the image writer: every format decoded by programs
+// nobody here wrote (ImageMagick, libtiff, Ghostscript, netpbm), round trips
+// through our TGA reader, the bytes no outside reader checks (run-length
+// packets, the 48-byte header, raw grey), refused codes and write errors. The
+// image is a 6x5 'F' (no symmetry) in red on blue, so row flips and R<->B swaps show.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
-#include <filesystem>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -23,15 +20,19 @@ namespace {
 
 using Image = std::vector<BitmapPixel>;
 
+template <class T> std::vector<T> operator+(std::vector<T> a, const std::vector<T> &b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
 constexpr BitmapPixel k_red = {255, 0, 0, 255}, k_blue = {0, 0, 255, 255};
 
-// The 'F', top row first; wider images are padded with background.
-Image make_f(int nx, BitmapPixel fg = k_red, BitmapPixel bg = k_blue)
+Image make_f(int nx, BitmapPixel bg = k_blue)  // top row first; wider images are padded with background
 {
     const char *const art[5] = {"RRRRR.", "R.....", "RRRR..", "R.....", "R....."};
     Image im((size_t)nx * 5);
-    for (int y = 0; y < 5; y++)
-        for (int x = 0; x < nx; x++) im[(size_t)y * nx + x] = x < 6 && art[4 - y][x] == 'R' ? fg : bg;
+    for (int i = 0; i < nx * 5; i++) im[(size_t)i] = i % nx < 6 && art[4 - i / nx][i % nx] == 'R' ? k_red : bg;
     return im;
 }
 
@@ -52,191 +53,139 @@ Bytes rows_rgb(const Image &im, int nx, int ny, bool last_first, bool alpha)
     return out;
 }
 
-BitmapPixel letter(char c)  // 'a' differs from 'A' in alpha only
+// Pixels by letter ('a' differs from 'A' in alpha only), each letter n times.
+Image row_of(const std::string &letters, int n = 1)
 {
     static const BitmapPixel px[5] = {{10, 20, 30, 255}, {10, 20, 30, 0}, {40, 50, 60, 255}, {70, 80, 90, 200}, {1, 2, 3, 4}};
-    return px[std::string("AaBCX").find(c)];
-}
-
-Image row_of(const std::string &s)
-{
     Image row;
-    for (char ch : s) row.push_back(letter(ch));
+    for (int k = 0; k < n; k++)
+        for (char ch : letters) row.push_back(px[std::string("AaBCX").find(ch)]);
     return row;
 }
-
-std::string rep(const std::string &s, int n) { return n > 0 ? s + rep(s, n - 1) : ""; }
 
 }  // namespace
 
 TEST(writer_bytes, WithoutAnOutsideReader)
 {
-    // The 48-byte header: magic 474, verbatim, 1 byte per channel, 3 dimensions,
-    // 6 x 5 x 3, min 0, max 255, reserved, the name, 8 zero bytes.
+    // The 48-byte header (magic 474, verbatim, 1 byte per channel, 3 dimensions,
+    // 6 x 5 x 3, min 0, max 255, reserved, the name, 8 zeros), then raw r g b.
     const Image f = make_f(6);
-    const Bytes sgi = write_image(f, 6, 5, 3);
-    EXPECT_EQ(Bytes(sgi.begin(), sgi.begin() + 48),
-              hx("01da 00 01 0003 0006 0005 0003 00000000 000000ff 00000000 "
-                 "5772697465426974 6d61702c206b6578 0000000000000000"));
-    EXPECT_EQ(Bytes(sgi.begin() + 48, sgi.end()), write_image(f, 6, 5, 8));  // then raw r g b
-    EXPECT_EQ(write_image(f, 6, 5, 8), rows_rgb(f, 6, 5, false, false));
+    EXPECT_EQ(write_image(f, 6, 5, 3), hx("01da 00 01 0003 0006 0005 0003 00000000 000000ff 00000000 "
+                                          "5772697465426974 6d61702c206b6578 0000000000000000") + rows_rgb(f, 6, 5, false, false));
+    EXPECT_EQ(write_image(f, 6, 5, -8), rows_rgb(f, 6, 5, true, false));
     EXPECT_EQ(write_image({{10, 20, 40, 0}, {255, 255, 255, 0}, {1, 1, 0, 0}}, 3, 1, 4), hx("17 ff 00"));  // (r+g+b)/3
-
     int ok = -1;
-    for (int code : {0, 10, -10, 14, -14, 99, INT_MIN})  // no such format: nothing written
+    for (int code : {0, 10, -10, 14, 99, INT_MIN})  // no such format: nothing written
         EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
     EXPECT_TRUE(write_image(f, -6, 5, 1, &ok).empty() && ok == 0);
-
-    static const struct { const char *text, *want; int ok; } hex[] = {
-        {"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}};  // odd last digit; a non-digit
-    for (const auto &c : hex)
-        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, c.text); }, &ok) == hx(c.want) && ok == c.ok) << c.text;
+    for (auto [text, want, good] : {std::tuple{"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}})
+        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, text); }, &ok) == hx(want) && ok == good) << text;
     unsigned char buf[4] = {9, 9, 9, 9};
     EXPECT_EQ(capture([&](FILE *s) { return BM_WriteLongInt(s, buf, 0xFFFFFFFEu); }), hx("fffffffe"));
     EXPECT_EQ(Bytes(buf, buf + 4), hx("fffffffe"));
-}
 
-TEST(writer_rle, Packets)
-{
-    auto packets = [](const std::string &text, int bytes) {  // "#81 B": a header byte, then pixels by letter
-        Bytes out;
-        std::istringstream in(text);
-        for (std::string w; in >> w;) {
-            if (w[0] == '#') out.push_back((unsigned char)std::stoi(w.substr(1), nullptr, 16));
-            for (char ch : w[0] == '#' ? std::string() : w) {
-                const BitmapPixel p = letter(ch);
-                out.insert(out.end(), {p.b, p.g, p.r, p.a});
-                out.resize(out.size() - (bytes == 3));
-            }
-        }
+    // Run-length packets: header 0x80 | (n-1) for a run, n-1 for raw values (b g r [a]).
+    auto pk = [](int head, const Image &px, int bytes) {
+        Bytes out = {(unsigned char)head};
+        for (const BitmapPixel &p : px) out.insert(out.end(), {p.b, p.g, p.r, p.a}), out.resize(out.size() - (bytes == 3));
         return out;
     };
-    const std::string ab64 = rep("AB", 64);  // 128 pixels, no two neighbours equal
-    const struct { std::string id, row; int bytes; std::string want; } cases[] = {
-        {"rle-1.1", rep("A", 300), 3, "#FF A #FF A #AB A"}, {"rle-1.2", "ABC", 3, "#02 ABC"},
-        {"rle-1.3", "ABB", 3, "#00 A #81 B"}, {"rle-1.5", "A", 3, "#80 A"}, {"rle-1.6", "AAB", 4, "#81 A #80 B"},
-        {"rle-1.8", "Aa", 3, "#01 Aa"},  // alpha tells them apart though it is not written
-        {"rle-1.9", "AAaa", 4, "#81 A #81 a"},
+    const Image ab64 = row_of("AB", 64), A = row_of("A"), B = row_of("B");  // 128 pixels, no two neighbours equal
+    const struct { const char *id; Image row; int bytes; Bytes want; } cases[] = {
+        {"300 equal", row_of("A", 300), 3, pk(0xFF, A, 3) + pk(0xFF, A, 3) + pk(0xAB, A, 3)},
+        {"raw then run", row_of("ABB"), 3, pk(0x00, A, 3) + pk(0x81, B, 3)}, {"lone last", row_of("AAB"), 4, pk(0x81, A, 4) + pk(0x80, B, 4)},
+        {"alpha counts", row_of("Aa"), 3, pk(0x01, row_of("Aa"), 3)},
         // 128 raw, then X V V with V the 128th value: the run carries V over X.
-        {"rle-2.1", ab64 + "XBB", 3, "#7F " + ab64 + " #82 B"},
-        {"rle-2.2", ab64 + "X", 3, "#7F " + ab64 + " #80 X"},  // a lone last pixel is itself
-        {"rle-2.3", rep("ABC", 43) + "AB", 3, "#7F " + rep("ABC", 42) + "AB #02 CAB"},
+        {"carried pixel", row_of("AB", 64) + row_of("XBB"), 3, pk(0x7F, ab64, 3) + pk(0x82, B, 3)},
+        {"128 then 2", row_of("ABC", 43) + row_of("AB"), 3, pk(0x7F, row_of("ABC", 42) + row_of("AB"), 3) + pk(0x02, row_of("CAB"), 3)},
     };
-    for (const auto &c : cases) {
-        const Image row = row_of(c.row);
-        const Bytes got = capture([&](FILE *f) { return WriteTGACompressedRow(f, row.data(), (int)row.size(), c.bytes), 0; });
-        EXPECT_EQ(got, packets(c.want, c.bytes)) << c.id;
-    }
+    for (const auto &c : cases)
+        EXPECT_EQ(capture([&](FILE *s) { return WriteTGACompressedRow(s, c.row.data(), (int)c.row.size(), c.bytes), 0; }), c.want)
+            << c.id;
 }
 
 // A stream that accepts `room` bytes and then refuses.
-static ssize_t limited_write(void *cookie, const char *, size_t n)
+static ssize_t limited_write(void *room, const char *, size_t n)
 {
-    size_t *room = (size_t *)cookie;
-    const size_t take = n < *room ? n : *room;
-    *room -= take;
+    const size_t take = std::min(n, *(size_t *)room);
+    *(size_t *)room -= take;
     return (ssize_t)take;
 }
 
 TEST(writer_errors, StreamRefusesBytes)
 {
     const Image f = make_f(6);
-    for (int code : {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13}) {
-        const size_t size = write_image(f, 6, 5, code).size();
-        for (size_t room = 0; room <= size; room++) {
+    for (int code : {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13})
+        for (size_t room = 0, size = write_image(f, 6, 5, code).size(); room <= size; room++) {
             size_t left = room;
             FILE *s = fopencookie(&left, "w", {nullptr, limited_write, nullptr, nullptr});
-            ASSERT_NE(s, nullptr);
-            const int ok = Write_Bitmap(s, f.data(), 6, 5, code);
+            EXPECT_EQ(Write_Bitmap(s, f.data(), 6, 5, code), room == size ? 1 : 0) << "code " << code << " room " << room;
             fclose(s);
-            EXPECT_EQ(ok, room == size ? 1 : 0) << "code " << code << " room " << room;
         }
-    }
 }
 
 TEST(writer_roundtrip, OwnTgaReader)
 {
-    std::mt19937 rng(20240501u);  // runs of 1 to 4 from a small palette
-    Image runs(300 * 4);
-    const BitmapPixel pal[3] = {k_red, k_blue, {7, 8, 9, 100}};
-    for (size_t i = 0; i < runs.size();)
-        for (unsigned n = 1 + rng() % 4, p = rng() % 3; n-- > 0 && i < runs.size();) runs[i++] = pal[p];
-    Image quirk = row_of(rep("AB", 64) + "XBB");  // the carried pixel: X comes back as B
-    const struct { const char *id; int nx, ny; Image im; bool quirk; } images[] = {
-        {"rt-1", 6, 5, make_f(6), false}, {"rt-2", 300, 4, runs, false}, {"rt-3", 1, 1, make_f(1), false},
-        {"rt-4", 131, 1, quirk, true},
-    };
+    Image runs;  // runs of 1 to 4 of three colours
+    for (int i = 0; runs.size() < 1200; i++) runs.insert(runs.end(), 1 + i * 7 % 4, i % 3 ? k_red : BitmapPixel{7, 8, 9, 100});
+    runs.resize(1200);
+    const struct { int nx, ny; Image im; } images[] = {{6, 5, make_f(6)}, {300, 4, runs}, {1, 1, make_f(1)}, {131, 1, row_of("AB", 64) + row_of("XBB")}};
     for (const auto &c : images)
         for (int code : {1, -1, 11, -11, 12, -12, 13, -13}) {
             Bytes file = write_image(c.im, c.nx, c.ny, code);
-            Image back((size_t)c.nx * c.ny);
+            Image back((size_t)c.nx * c.ny), want = c.im;
             FILE *f = fmemopen(file.data(), file.size(), "rb");
             int w = 0, h = 0;
-            EXPECT_EQ(TGA_Read(f, back.data(), &w, &h), 0) << c.id << " code " << code;
+            EXPECT_TRUE(TGA_Read(f, back.data(), &w, &h) == 0 && w == c.nx && h == c.ny) << c.nx << " code " << code;
             fclose(f);
-            EXPECT_TRUE(w == c.nx && h == c.ny) << c.id;
-            const bool alpha = code % 2 != 0 && code != 1 && code != -1;
-            Image want = c.im;
-            if (c.quirk && abs(code) >= 12) want = row_of(rep("AB", 64) + "BBB");
-            EXPECT_EQ(rows_rgb(back, c.nx, c.ny, false, alpha), rows_rgb(want, c.nx, c.ny, code < 0, alpha))
-                << c.id << " code " << code;
+            if (c.nx == 131 && abs(code) >= 12) want = row_of("AB", 64) + row_of("BBB");  // X carried over as B
+            const bool alpha = abs(code) == 11 || abs(code) == 13;
+            EXPECT_EQ(rows_rgb(back, c.nx, c.ny, false, alpha), rows_rgb(want, c.nx, c.ny, code < 0, alpha)) << c.nx << " code " << code;
         }
 }
 
 TEST(writer_readers, ImageMagickLibtiffGhostscriptNetpbm)
 {
-    const std::string dir = testing::TempDir();
-    // How each decoder is called (the path goes in for %s); it prints the
-    // samples top row first. ImageMagick keeps a TGA's bottom-left origin as a
-    // tag until -auto-orient; Ghostscript renders one point per pixel at 72 dpi.
-    static const char *const decoders[] = {
-        "/usr/bin/convert %s -auto-orient -depth 8 rgb:-", "/usr/bin/convert %s -auto-orient -depth 8 rgba:-",
-        "/usr/bin/gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=bitrgb -dGrayValues=256 -r72 -dEPSCrop "
-        "-sOutputFile=- %s",
-        "/usr/bin/pnmtoplainpnm %s",
-    };
-    enum { IM_RGB, IM_RGBA, GS, NETPBM };
+    // Each decoder prints the samples top row first. ImageMagick keeps a TGA's
+    // bottom-left origin as a tag until -auto-orient; Ghostscript renders one
+    // point per pixel at 72 dpi; pnmtoplainpnm prints "P3", the sizes, maxval.
+    const std::string im = "/usr/bin/convert %s -auto-orient -depth 8 rgb:-", gs = "/usr/bin/gs -q -dSAFER -dBATCH "
+        "-dNOPAUSE -sDEVICE=bitrgb -dGrayValues=256 -r72 -dEPSCrop -sOutputFile=- %s", pnm = "/usr/bin/pnmtoplainpnm %s";
     // top: the format shows its first written row on top (PPM, TIFF, EPS).
-    static const struct { const char *name; int code, nx, decoder; bool top, grey; } cases[] = {
-        {"b.tga", -1, 6, IM_RGB, false, false}, {"c.tga", 1, 6, IM_RGB, false, false},
-        {"d.tga", 12, 6, IM_RGB, false, false}, {"f.tga", -13, 6, IM_RGBA, false, false},
-        {"g.tga", 11, 6, IM_RGBA, false, false}, {"b.ppm", 2, 6, NETPBM, true, false},
-        {"c.ppm", -2, 6, NETPBM, true, false}, {"b.bmp", -9, 4, IM_RGB, false, false},
-        {"a.tif", -5, 6, IM_RGB, true, false}, {"b.eps", 6, 6, GS, true, false},
-        {"d.eps", -7, 100, GS, true, true},
+    const struct { const char *name; int code, nx; std::string decoder; bool top; } cases[] = {
+        {"b.tga", -1, 6, im, false}, {"d.tga", 12, 6, im, false}, {"f.tga", -13, 6, "/usr/bin/convert %s -auto-orient -depth 8 rgba:-", false},
+        {"b.ppm", 2, 6, pnm, true}, {"c.ppm", -2, 6, pnm, true}, {"b.bmp", -9, 4, im, false}, {"a.tif", -5, 6, im, true},
+        {"b.eps", 6, 6, gs, true}, {"d.eps", -7, 100, gs, true},
     };
     for (const auto &c : cases) {
-        // Grey EPS: red (grey 85) on black; 32-bit TGA: one half-transparent pixel.
-        Image im = c.grey ? make_f(c.nx, k_red, {0, 0, 0, 255}) : make_f(c.nx);
-        if (c.decoder == IM_RGBA) im[1].a = 128;
-        const std::string path = dir + "quorl-writer-" + c.name;
-        const Bytes file = write_image(im, c.nx, 5, c.code);
+        const bool alpha = c.code == -13, grey = c.code == -7;
+        Image px = make_f(c.nx, grey ? BitmapPixel{0, 0, 0, 255} : k_blue);  // grey EPS: red (85) on black
+        if (alpha) px[1].a = 128;
+        const std::string path = testing::TempDir() + "quorl-writer-" + c.name;
+        const Bytes file = write_image(px, c.nx, 5, c.code);
         FILE *f = fopen(path.c_str(), "wb");
         ASSERT_TRUE(f && fwrite(file.data(), 1, file.size(), f) == file.size()) << path;
         fclose(f);
         char cmd[512];
-        snprintf(cmd, sizeof cmd, decoders[c.decoder], path.c_str());
+        snprintf(cmd, sizeof cmd, c.decoder.c_str(), path.c_str());
         int status = -1;
         const std::string text = run(cmd, &status);
         EXPECT_EQ(status, 0) << cmd << " (scripts/setup.sh installs it)";
         Bytes out(text.begin(), text.end());
-        if (c.decoder == NETPBM) {  // "P3", width, height, maxval, then the samples
-            std::istringstream in(text.substr(2));
-            out.clear();
-            for (int v, skip = 3; in >> v;)
-                if (skip-- <= 0) out.push_back((unsigned char)v);
-        }
-        if (c.grey)
-            for (auto &p : im) p.r = p.g = p.b = (unsigned char)((p.r + p.g + p.b) / 3);
-        EXPECT_EQ(out, rows_rgb(im, c.nx, 5, c.top == (c.code < 0), c.decoder == IM_RGBA)) << cmd;
+        std::istringstream in(text.substr(2));
+        if (c.decoder == pnm) out.clear();
+        for (int v, skip = 3; c.decoder == pnm && in >> v;)
+            if (skip-- <= 0) out.push_back((unsigned char)v);
+        for (auto &p : px)
+            if (grey) p.r = p.g = p.b = (unsigned char)((p.r + p.g + p.b) / 3);
+        EXPECT_EQ(out, rows_rgb(px, c.nx, 5, c.top == (c.code < 0), alpha)) << cmd;
         if (c.code == -5) {  // the fields ImageMagick does not need, as libtiff reads them
             const std::string info = run("/usr/bin/tiffinfo " + path + " 2>&1", &status);
-            EXPECT_EQ(status, 0) << info;
-            for (const char *field : {"Bits/Sample: 8", "Sample Format: unsigned integer", "Rows/Strip: 5",
-                                      "Min Sample Value: 0", "Max Sample Value: 255", "Samples/Pixel: 3"})
-                EXPECT_NE(info.find(field), std::string::npos) << field << " not in\n" << info;
-            EXPECT_EQ(info.find("arning"), std::string::npos) << info;
+            for (const char *field : {"Bits/Sample: 8", "Sample Format: unsigned integer", "Min Sample Value: 0",
+                                      "Max Sample Value: 255", "Samples/Pixel: 3", "Rows/Strip: 5"})
+                EXPECT_TRUE(status == 0 && info.find(field) != std::string::npos && info.find("arning") == std::string::npos)
+                    << field << " in\n" << info;
         }
-        std::filesystem::remove(path);
+        remove(path.c_str());
     }
 }
