@@ -22,14 +22,16 @@ TEST(colour_maps, StopsLinearBetweenAndRangeRules)
     const struct { int type; double f, r, g, b; } stops[] = {
         {1, 0, 0, 0, 1}, {1, .25, 0, 1, 1}, {1, .5, 0, 1, 0}, {1, .75, 1, 1, 0}, {1, 1, 1, 0, 0},
         {12, 0, 55 * K, 55 * K, 45 * K}, {12, .4, 235 * K, 90 * K, 30 * K}, {12, 1, 250 * K, 160 * K, 110 * K},
-        {30, 0, 1, 0, 0}, {30, 1. / 6, 1, 1, 0}, {30, 1. / 3, 0, 1, 0}, {30, .5, 0, 1, 1}, {30, 2. / 3, 0, 0, 1}, {30, 5. / 6, 1, 0, 1}, {30, 1, 1, 0, 0},
+        {30, 0, 1, 0, 0}, {30, 1. / 6, 1, 1, 0}, {30, 1. / 3, 0, 1, 0}, {30, .5, 0, 1, 1}, {30, 2. / 3, 0, 0, 1},
+            {30, 5. / 6, 1, 0, 1}, {30, 1, 1, 0, 0},
     };
     for (size_t i = 0; i < std::size(stops); i++) {
         const auto &c = stops[i], &d = stops[i + 1 < std::size(stops) ? i + 1 : i];
         const std::string id = "map " + std::to_string(c.type) + " f=" + std::to_string(c.f);
         expect_rgb(GetColour(c.f, 0, 1, c.type), c.r, c.g, c.b, id);
         if (d.type == c.type)  // halfway to the next stop, the mean of the two
-            expect_rgb(GetColour((c.f + d.f) / 2, 0, 1, c.type), (c.r + d.r) / 2, (c.g + d.g) / 2, (c.b + d.b) / 2, id + " mid");
+            expect_rgb(GetColour((c.f + d.f) / 2, 0, 1, c.type), (c.r + d.r) / 2, (c.g + d.g) / 2, (c.b + d.b) / 2, id
+                + " mid");
     }
     expect_rgb(GetColour(5, 5, 5, 3), 0.5, 0.5, 0.5, "empty range widened to 4..6");
     expect_rgb(GetColour(0.3, 1, 0, 1), 0, 1, 0.8, "reversed range");
@@ -49,12 +51,14 @@ TEST(colour_convert, AgainstPythonColorsys)
     while (fscanf(p, " %c %lf %lf %lf %lf %lf %lf", &tag, &a, &b, &c, &w[0], &w[1], &w[2]) == 7) {
         ColourRGB got;
         if (tag == 'F' || tag == 'L') {
-            const ColourHSV h = tag == 'F' ? RGB2HSV({a, b, c}) : ColourHSV{RGB2HSL({a, b, c}).h, RGB2HSL({a, b, c}).s, RGB2HSL({a, b, c}).l};
+            const ColourHSV h = tag == 'F' ? RGB2HSV({a, b, c})
+                : ColourHSV{RGB2HSL({a, b, c}).h, RGB2HSL({a, b, c}).s, RGB2HSL({a, b, c}).l};
             got = {fmod(h.h - w[0] + 540, 360) - 180 + w[0], h.s, h.v};  // 0 and 360 are one hue
         } else {
             got = tag == 'V' ? HSV2RGB({a, b, c}) : HSL2RGB({a, b, c});
         }
-        expect_rgb(got, w[0], w[1], w[2], std::string(1, tag) + " " + std::to_string(a) + " " + std::to_string(b) + " " + std::to_string(c));
+        expect_rgb(got, w[0], w[1], w[2], std::string(1, tag) + " " + std::to_string(a) + " " + std::to_string(b) + " "
+            + std::to_string(c));
         rows++;
     }
     EXPECT_EQ(pclose(p), 0) << "python3 (scripts/setup.sh installs it)";
@@ -67,8 +71,10 @@ TEST(colour_convert, AgainstPythonColorsys)
 TEST(colour_convert, YccAndHelpers)
 {
     // Primaries give the columns of the forward set; white is not exactly neutral.
-    expect_rgb(ColourRGB{RGB2YCC({1, 0, 0}).y, RGB2YCC({1, 0, 0}).cb, RGB2YCC({1, 0, 0}).cr}, 0.2989, -0.1687, 0.5, "ycc red");
-    expect_rgb(ColourRGB{RGB2YCC({1, 1, 1}).y, RGB2YCC({1, 1, 1}).cb, RGB2YCC({1, 1, 1}).cr}, 1, 0.0001, 0.0001, "ycc white");
+    expect_rgb(ColourRGB{RGB2YCC({1, 0, 0}).y, RGB2YCC({1, 0, 0}).cb, RGB2YCC({1, 0, 0}).cr}, 0.2989, -0.1687, 0.5,
+        "ycc red");
+    expect_rgb(ColourRGB{RGB2YCC({1, 1, 1}).y, RGB2YCC({1, 1, 1}).cb, RGB2YCC({1, 1, 1}).cr}, 1, 0.0001, 0.0001,
+        "ycc white");
     expect_rgb(YCC2RGB({0.5, 0, 0.1}), 0.64022, 0.42855, 0.5, "ycc inverse");
     expect_rgb(YCC2RGB({1, 0.5, 0.5}), 1, 0.46995, 1, "ycc clamped");
 

@@ -13,7 +13,8 @@ using Std = std::complex<double>;
 
 void expect_near(const char *id, Complex got, Complex want, double tol = 1e-12)
 {
-    EXPECT_TRUE(fabs(got.real - want.real) <= tol && fabs(got.imag - want.imag) <= tol) << id << ": " << got.real << " " << got.imag;
+    EXPECT_TRUE(fabs(got.real - want.real) <= tol && fabs(got.imag - want.imag) <= tol) << id << ": " << got.real << " "
+        << got.imag;
 }
 
 void expect_near(const char *id, Quaternion got, Quaternion want, double tol = 1e-12)

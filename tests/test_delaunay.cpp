@@ -64,7 +64,8 @@ TEST(Delaunay, CircumCircle)
     };
     for (const auto &c : cs) {
         double xc = 0, yc = 0, r2 = 0;
-        EXPECT_EQ(CircumCircle(c.xp, c.yp, c.x1, c.y1, c.x2, c.y2, c.x3, c.y3, &xc, &yc, &r2), c.in) << c.xp << " " << c.yp;
+        EXPECT_EQ(CircumCircle(c.xp, c.yp, c.x1, c.y1, c.x2, c.y2, c.x3, c.y3, &xc, &yc, &r2), c.in) << c.xp << " "
+            << c.yp;
         EXPECT_LT(fabs(xc - c.xc) + fabs(yc - c.yc) + fabs(r2 - c.r2), 1e-12) << c.xp << " " << c.yp;
     }
     double xc = 7, yc = 8, r2 = 9;  // three equal y: no circle, outputs untouched
@@ -80,7 +81,8 @@ TEST(Delaunay, ProgressOrderAndBounds)
     EXPECT_EQ(progress, want);
     ASSERT_EQ(tri.size(), 186u);  // the output order is part of the contract: pinned from this input
     const TriIndex first[4] = {{0, 10, 13}, {3, 2, 4}, {97, 98, 99}, {6, 17, 20}};
-    for (int k = 0; k < 4; k++) EXPECT_TRUE(tri[k].p1 == first[k].p1 && tri[k].p2 == first[k].p2 && tri[k].p3 == first[k].p3) << k;
+    for (int k = 0; k < 4; k++) EXPECT_TRUE(tri[k].p1 == first[k].p1 && tri[k].p2 == first[k].p2
+        && tri[k].p3 == first[k].p3) << k;
     EXPECT_EQ(triangulate({}, &tri), 0);
     EXPECT_EQ(triangulate(random_disc(257, 0, 3), &tri), 0);
 
@@ -102,7 +104,8 @@ TEST(Delaunay, EmptyCirclesAsScipyFindsThem)
 {
     // A framed set must match scipy triangle for triangle; a plain set may lack
     // thin hull triangles whose circles reach the enclosing triangle.
-    const struct { int n, ring; unsigned seed; const char *mode; } cs[] = {{1000, 100, 12, "full"}, {800, 0, 14, "subset"}};
+    const struct { int n, ring; unsigned seed; const char *mode; } cs[] = {{1000, 100, 12, "full"},
+        {800, 0, 14, "subset"}};
     for (const auto &c : cs) {
         const std::vector<Vec3> p = random_disc(c.n, c.ring, c.seed);
         std::vector<TriIndex> tri;
@@ -115,7 +118,8 @@ TEST(Delaunay, EmptyCirclesAsScipyFindsThem)
         for (const TriIndex &t : tri) fprintf(f, "%d %d %d\n", t.p1, t.p2, t.p3);
         fclose(f);
         int status = -1;
-        const std::string out = run("/usr/bin/python3 " QUORL_DELAUNAY_CHECK " " + data + " " + c.mode + " 2>&1", &status);
+        const std::string out = run("/usr/bin/python3 " QUORL_DELAUNAY_CHECK " " + data + " " + c.mode + " 2>&1",
+            &status);
         remove(data.c_str());
         EXPECT_EQ(status, 0) << "seed " << c.seed << ": " << out;
     }

@@ -44,7 +44,8 @@ TEST(dxf, EzdxfReadsTheDrawing)
     ASSERT_EQ(status, 0) << out << "(python3-ezdxf is installed by scripts/setup.sh)";
     // ezdxf adds its own default tables; ours must be among them, and the entities exactly ours.
     for (const char *line : {"LAYER 1\n", "LAYER 2\n", "LTYPE CONTINUOUS\n", "EXTMAX 1000 1000\n",
-                             "EXTMAX 1000 1000\nPOINT LAYER1 0 0 0\nLINE LAYER1 0 0 0 1 0.5 0\n"  // NOLINT(bugprone-suspicious-missing-comma): one block
+                             // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one block
+                             "EXTMAX 1000 1000\nPOINT LAYER1 0 0 0\nLINE LAYER1 0 0 0 1 0.5 0\n"
                              "3DFACE LAYER1 0 0 0 1 0.5 0 1 1 1e+20 1 1 1e+20\n"  // a triangle repeats its last corner
                              "3DFACE LAYER1 0 0 0 1 0.5 0 1 1 1e+20 -2.5 1 3\n"})
         EXPECT_NE(out.find(line), std::string::npos) << line << " missing from\n" << out;
@@ -121,7 +122,8 @@ TEST(audio, SoxReadsAllThree)
         FILE *fp = fopen(path.c_str(), "wb");
         ASSERT_TRUE(fp) << path;
         const char kind = f.name[0];
-        EXPECT_EQ(kind == 'd' ? Write_WAVE(fp, xf.data(), n, f.rate) : (kind == 'c' ? Write_AU : Write_AIFF)(fp, x.data(), n, f.rate), 1);
+        EXPECT_EQ(kind == 'd' ? Write_WAVE(fp, xf.data(), n, f.rate)
+            : (kind == 'c' ? Write_AU : Write_AIFF)(fp, x.data(), n, f.rate), 1);
         fclose(fp);
         int status = -1;
         std::string info;

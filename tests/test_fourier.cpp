@@ -51,7 +51,8 @@ TEST(Fourier, AgreesWithNumpy)
             const double scale = dir == 1 ? 1.0 / s.n : s.n;
             const int col = dir == 1 ? 2 : 4;
             for (int k = 0; k < s.n; k++)
-                EXPECT_TRUE(fabs(x[k] - ref[row + k][col] * scale) <= tol && fabs(y[k] - ref[row + k][col + 1] * scale) <= tol)
+                EXPECT_TRUE(fabs(x[k] - ref[row + k][col] * scale) <= tol
+                    && fabs(y[k] - ref[row + k][col + 1] * scale) <= tol)
                     << s.n << " " << s.m << " " << dir << " " << k;
         }
         row += s.n;
@@ -74,7 +75,8 @@ TEST(Fourier, RoundTrips)
         }
         for (int i = 0; i < n; i++) {  // the half-angle recurrence loses a little with every stage
             ASSERT_TRUE(fabs(x1[i] - x0[i]) < 1e-11 && fabs(y1[i] - y0[i]) < 1e-11) << "FFT m " << m << " i " << i;
-            ASSERT_TRUE(!dft || (fabs(x2[i] - x0[i]) < 1e-7 && fabs(y2[i] - y0[i]) < 1e-7)) << "DFT m " << m << " i " << i;
+            ASSERT_TRUE(!dft || (fabs(x2[i] - x0[i]) < 1e-7 && fabs(y2[i] - y0[i]) < 1e-7)) << "DFT m " << m << " i "
+                << i;
         }
     }
     EXPECT_EQ(DFT(1, 0, nullptr, nullptr), 1);
@@ -140,7 +142,8 @@ TEST(Fourier, Correlation)
     EXPECT_NEAR(CrossCorr(s, shifted, 9, 3), nvar, 1e-12);
     for (int lag : {1, 4, 8}) {
         const double a = AutoCorr(s, 9, lag);
-        EXPECT_TRUE(fabs(a - AutoCorr(s, 9, lag + 9)) < 1e-12 && fabs(AutoCorr(s, 9, -lag) - AutoCorr(s, 9, 9 - lag)) < 1e-12 &&
+        EXPECT_TRUE(fabs(a - AutoCorr(s, 9, lag + 9)) < 1e-12
+            && fabs(AutoCorr(s, 9, -lag) - AutoCorr(s, 9, 9 - lag)) < 1e-12 &&
                     fabs(CrossCorr(s, s, 9, lag) - a) < 1e-12) << lag;
     }
     EXPECT_TRUE(AutoCorr(s, 0, 1) == 0.0 && CrossCorr(s, s, 0, 1) == 0.0);

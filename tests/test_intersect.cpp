@@ -13,7 +13,8 @@ TEST(Intersect, KnownCases)
 {
     const Vec2 sq[4] = {{0, 0}, {0, 1}, {1, 1}, {1, 0}}, rev[4] = {{1, 0}, {1, 1}, {0, 1}, {0, 0}};
     const Vec2 arrow[4] = {{0, 0}, {2, 1}, {0, 2}, {1, 1}}, line[3] = {{0, 0}, {1, 1}, {2, 2}};
-    const Vec3 sq3[4] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, notch[4] = {{0, 0, 0}, {2, 1, 0}, {0, 2, 0}, {1, 1, 0}};
+    const Vec3 sq3[4] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
+        notch[4] = {{0, 0, 0}, {2, 1, 0}, {0, 2, 0}, {1, 1, 0}};
     const Vec3 lo = {0, 0, 0}, hi = {1, 2, 3};
     double x = 0, y = 0, mu = 0, mu2 = 0, d = 0;
     Vec3 p, out[8];
@@ -26,14 +27,16 @@ TEST(Intersect, KnownCases)
         {"plane parallel", LinePlane({0, 0, 0}, {1, 0, 0}, 0, 0, 1, -3, &mu2, &p), 0},
         {"segment short of plane", LineSegmentPlane({0, 0, 0}, {0, 0, 1}, 0, 0, 1, -3, &p), 0},
         {"sphere missed", RaySphere({-2, 2, 0}, {2, 2, 0}, {0, 0, 0}, 1, &mu2, &d), 0},
-        {"clockwise", ClockWise(sq, 4), 1}, {"anticlockwise", ClockWise(rev, 4), -1}, {"collinear", ClockWise(line, 3), 0},
+        {"clockwise", ClockWise(sq, 4), 1}, {"anticlockwise", ClockWise(rev, 4), -1},
+            {"collinear", ClockWise(line, 3), 0},
         {"convex", ConvexPolygon(sq, 4), 1}, {"concave", ConvexPolygon(arrow, 4), -1},
         {"side", WhichSide({0, 1}, {0, 0}, {1, 0}), -1}, {"on the line", WhichSide({5, 0}, {0, 0}, {1, 0}), 0},
         {"in arrow", PointInPolygon(arrow, 4, {1.5, 1}), 1}, {"in the notch", PointInPolygon(arrow, 4, {0.5, 1}), 0},
         {"on hypotenuse", InTriangle({2, 2}, {0, 0}, {4, 0}, {0, 4}), 1},
         {"degenerate triangle", InTriangle({1, 1}, {0, 0}, {1, 1}, {2, 2}), 0},
         {"above polygon", PointIn3DPolygon(4, sq3, &d, {0.5, 0.5, 2}), 1},
-        {"clip half", ClipFacet(sq3, 4, 1, 0, 0, -0.5, out), 4}, {"clip none left", ClipFacet(sq3, 4, 1, 0, 0, -2, out), 0},
+        {"clip half", ClipFacet(sq3, 4, 1, 0, 0, -0.5, out), 4},
+            {"clip none left", ClipFacet(sq3, 4, 1, 0, 0, -2, out), 0},
         {"clip through corners", ClipFacet(sq3, 4, 1, 1, 0, -1, out), 3},
         {"line through concave facet", LineFacet({1.5, 1, -1}, {1.5, 1, 1}, notch, 4, &p), 1},
         {"line through the notch", LineFacet({0.5, 1, -1}, {0.5, 1, 1}, notch, 4, &p), 0},
@@ -65,7 +68,8 @@ TEST(Intersect, FoundPointsLieOnBoth)
             hits++;
             Vec2 foot;
             for (int k : {0, 4}) {
-                EXPECT_LT(PointLine2D(x, y, s[k], s[k + 1], s[k + 2], s[k + 3], &foot, &u), 1e-9) << "seed 11 case " << t;
+                EXPECT_LT(PointLine2D(x, y, s[k], s[k + 1], s[k + 2], s[k + 3], &foot, &u), 1e-9) << "seed 11 case "
+                    << t;
                 EXPECT_TRUE(u >= -1e-9 && u <= 1 + 1e-9) << "seed 11 case " << t;
             }
         }

@@ -81,7 +81,8 @@ std::vector<Facet> sphere_mesh(int n, double r, bool by_tetra)
                 }
                 if (!by_tetra) out.insert(out.end(), f, f + PolygoniseCube(g, 1000 * r * r, f));
                 for (const auto &t : tetra)
-                    if (by_tetra) out.insert(out.end(), f, f + PolygoniseTri(g, 1000 * r * r, f, t[0], t[1], t[2], t[3]));
+                    if (by_tetra) out.insert(out.end(), f, f
+                        + PolygoniseTri(g, 1000 * r * r, f, t[0], t[1], t[2], t[3]));
             }
     return out;
 }
@@ -118,7 +119,8 @@ TEST(Isosurface, VertexInterp)
         {"vi-1.1", 0.25, 0, 1, 0.25}, {"vi-1.2", 3, 5, 1, 0.5}, {"vi-1.3", 0.000005, 0, 1, 0},  // snaps to an end
         {"vi-1.4", 0.999995, 0, 1, 1}, {"vi-1.5", 9, 2, 2.000005, 0},  // equal ends: the first
     };
-    for (const auto &c : cs) EXPECT_TRUE(same(VertexInterp(c.iso, a, b, c.f1, c.f2), {2 * c.mu, 4 * c.mu, -8 * c.mu})) << c.id;
+    for (const auto &c : cs) EXPECT_TRUE(same(VertexInterp(c.iso, a, b, c.f1, c.f2), {2 * c.mu, 4 * c.mu, -8 * c.mu}))
+        << c.id;
 }
 
 TEST(Isosurface, CubeCells)
@@ -129,7 +131,8 @@ TEST(Isosurface, CubeCells)
     const double one[8] = {0, 4, 4, 4, 4, 4, 4, 1}, alt[8] = {0, 4, 0, 4, 4, 0, 4, 0};
     ASSERT_EQ(PolygoniseCube(unit_cell(one), 1.0, f), 1);
     EXPECT_TRUE(same(f[0].p[0], {0.25, 0, 0}) && same(f[0].p[1], {0, 0, 0.25}) && same(f[0].p[2], {0, 0.25, 0}));
-    EXPECT_EQ(PolygoniseTri(unit_cell(one), 1.0, f, 0, 1, 3, 4) + 10 * PolygoniseTri(unit_cell(alt), 1.0, f, 0, 1, 2, 3), 21);
+    EXPECT_EQ(PolygoniseTri(unit_cell(one), 1.0, f, 0, 1, 3, 4)
+        + 10 * PolygoniseTri(unit_cell(alt), 1.0, f, 0, 1, 2, 3), 21);
 }
 
 TEST(Isosurface, SpheresAreClosedAndClose)
@@ -162,8 +165,10 @@ TEST(Isosurface, SubdividedOctahedron)
 
 TEST(Isosurface, PolygonCompareOrdersLexicographically)
 {
-    Facet f[3] = {{{{1, 0, 0}, {0, 0, 0}, {0, 0, 0}}}, {{{0, 5, 0}, {0, 0, 0}, {0, 0, 0}}}, {{{0, 5, 0}, {0, 0, 0}, {0, 0, -1}}}};
+    Facet f[3] = {{{{1, 0, 0}, {0, 0, 0}, {0, 0, 0}}}, {{{0, 5, 0}, {0, 0, 0}, {0, 0, 0}}},
+        {{{0, 5, 0}, {0, 0, 0}, {0, 0, -1}}}};
     qsort(f, 3, sizeof(Facet), PolygonCompare);
     EXPECT_TRUE(f[0].p[2].z == -1 && f[1].p[0].y == 5 && f[2].p[0].x == 1);
-    EXPECT_TRUE(PolygonCompare(&f[0], &f[0]) == 0 && PolygonCompare(&f[0], &f[1]) == -1 && PolygonCompare(&f[1], &f[0]) == 1);
+    EXPECT_TRUE(PolygonCompare(&f[0], &f[0]) == 0 && PolygonCompare(&f[0], &f[1]) == -1
+        && PolygonCompare(&f[1], &f[0]) == 1);
 }

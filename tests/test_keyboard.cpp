@@ -31,7 +31,8 @@ TEST(Keyboard, SingleKeysOnPseudoTerminalThenRestored)
     ASSERT_TRUE(grantpt(master) == 0 && unlockpt(master) == 0);
     const int slave = open(ptsname(master), O_RDWR | O_NOCTTY);
     termios before, raw, after;
-    ASSERT_TRUE(slave >= 0 && tcgetattr(slave, &before) == 0 && (before.c_lflag & ICANON));  // a new terminal is in line mode
+    // a new terminal is in line mode
+    ASSERT_TRUE(slave >= 0 && tcgetattr(slave, &before) == 0 && (before.c_lflag & ICANON));
     {
         StdinSwap in(slave);
         ASSERT_EQ(SetKeyboardIO(1), 0);
@@ -45,7 +46,8 @@ TEST(Keyboard, SingleKeysOnPseudoTerminalThenRestored)
         EXPECT_TRUE(read(0, key, sizeof key) == 1 && key[0] == 'q');
         ASSERT_EQ(SetKeyboardIO(0), 0);
         ASSERT_EQ(tcgetattr(0, &after), 0);
-        EXPECT_TRUE(after.c_lflag == before.c_lflag && after.c_cc[VMIN] == before.c_cc[VMIN] && after.c_cc[VTIME] == before.c_cc[VTIME]);
+        EXPECT_TRUE(after.c_lflag == before.c_lflag && after.c_cc[VMIN] == before.c_cc[VMIN]
+            && after.c_cc[VTIME] == before.c_cc[VTIME]);
     }
     close(slave);
     close(master);

@@ -22,7 +22,8 @@ struct Mat {
     {
         for (size_t i = 0; i < cols.size(); i++) p[i] = cols[i].data();
     }
-    explicit Mat(int n, int ncols = -1) : Mat(std::vector<std::vector<double>>(ncols < 0 ? n : ncols, std::vector<double>(n))) {}
+    explicit Mat(int n, int ncols = -1)
+        : Mat(std::vector<std::vector<double>>(ncols < 0 ? n : ncols, std::vector<double>(n))) {}
 };
 
 double uniform(std::mt19937 &rng) { return rng() / 2147483648.0 - 1.0; }  // [-1, 1), the same on every system
@@ -115,7 +116,8 @@ TEST(Matrix, SolverAgainstNumpy)
 TEST(Matrix, TextAndHtmlExact)
 {
     Mat a({{1, -2.5}, {1e6, 0.125}});
-    auto written = [&](int format) { return capture<std::string>([&](FILE *f) { return WriteMatrix(f, format, a.p.data(), 2), 0; }); };
+    auto written = [&](int format) { return capture<std::string>([&](FILE *f) { return WriteMatrix(f, format,
+        a.p.data(), 2), 0; }); };
     EXPECT_EQ(written(0), "    1.0000   -2.5000\n1000000.0000    0.1250\n");
     EXPECT_EQ(written(1),
               "<table cellpadding=0 cellspacing=0 border=0><tr>\n<td valign=\"center\">A = </td>\n"

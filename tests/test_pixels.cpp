@@ -13,7 +13,8 @@ const BitmapPixel red = {255, 0, 0, 255}, blue = {0, 0, 255, 255};
 
 bool same(BitmapPixel a, BitmapPixel b) { return Same_BitmapPixel(a, b) == 1; }
 
-int count_red(const std::vector<BitmapPixel> &bm) { return (int)std::count_if(bm.begin(), bm.end(), [](BitmapPixel p) { return same(p, red); }); }
+int count_red(const std::vector<BitmapPixel> &bm) { return (int)std::count_if(bm.begin(), bm.end(),
+    [](BitmapPixel p) { return same(p, red); }); }
 
 }  // namespace
 
@@ -51,7 +52,8 @@ TEST(Pixels, InsideOnlyAndKnownValues)
         {YUV_to_Bitmap(255, 128, 255), {255, 166, 255, 0}}, {YUV_to_Bitmap(0, 0, 0), {0, 132, 0, 0}},  // clamped
         {YUV_to_Bitmap(100, 200, 60), {6, 123, 224, 0}},
     };
-    for (const auto &c : cases) EXPECT_TRUE(same(c.got, c.want)) << int(c.got.r) << " " << int(c.got.g) << " " << int(c.got.b);
+    for (const auto &c : cases) EXPECT_TRUE(same(c.got, c.want)) << int(c.got.r) << " " << int(c.got.g) << " "
+        << int(c.got.b);
 }
 
 TEST(Pixels, LinesAndFlips)

@@ -10,7 +10,8 @@ using Image = std::vector<BitmapPixel>;
 
 TEST(BiCubic, KernelAndConstantImages)
 {
-    const struct { double t, want; } cases[] = {{0, 4.0 / 6}, {-1, 1.0 / 6}, {2, 0}, {-3.5, 0}, {0.5, 0.4791666666666667}};
+    const struct { double t, want; } cases[] = {{0, 4.0 / 6}, {-1, 1.0 / 6}, {2, 0}, {-3.5, 0},
+        {0.5, 0.4791666666666667}};
     for (const auto &c : cases) EXPECT_NEAR(BiCubicR(c.t), c.want, 1e-12) << "t = " << c.t;
     for (double d = 0; d < 1; d += 0.0625)  // the four taps of any footprint sum to one
         EXPECT_NEAR(BiCubicR(-1 - d) + BiCubicR(-d) + BiCubicR(1 - d) + BiCubicR(2 - d), 1.0, 1e-12) << d;

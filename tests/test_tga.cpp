@@ -24,7 +24,8 @@ Bytes header(const Header &h, const Bytes &body)
 {
     Bytes b = {(unsigned char)h.idlen, (unsigned char)h.maptype, (unsigned char)h.type, 0, 0, (unsigned char)h.maplen,
                0, (unsigned char)h.mapbits, 0, 0, 0, 0, (unsigned char)h.width, (unsigned char)(h.width >> 8),
-               (unsigned char)h.height, (unsigned char)(h.height >> 8), (unsigned char)h.bits, (unsigned char)h.descriptor};
+               (unsigned char)h.height, (unsigned char)(h.height >> 8), (unsigned char)h.bits,
+                   (unsigned char)h.descriptor};
     for (unsigned char c : body) b.push_back(c);
     return b;
 }
@@ -58,7 +59,8 @@ TEST(TgaRead, FailureCodesInOrderOfPrecedence)
         {"1.4", header({.bits = 15}, Bytes(4, 0)), 2},
         {"1.5", header({.maptype = 2, .type = 3, .bits = 15}, Bytes(4, 0)), 2},  // depth before map
         {"1.6", header({.maptype = 2}, Bytes(4, 0)), 3}, {"1.7", header({.width = 2, .height = 2}, Bytes(9, 0)), 4},
-        {"1.8", header(cm, Bytes(7, 0)), 5}, {"1.9", header(rl, {0x03, 1, 2, 3, 4, 5, 6}), 6},  // raw packet of 4, 2 values
+        // 1.9: a raw packet of 4 with 2 values
+        {"1.8", header(cm, Bytes(7, 0)), 5}, {"1.9", header(rl, {0x03, 1, 2, 3, 4, 5, 6}), 6},
         {"1.10", header(rl, {0x81, 1, 2, 3, 0x81, 1}), 4},                                    // next packet cut
         {"1.11", {}, 1}, {"1.12", {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 24}, 4},      // empty; header cut
     };
@@ -82,27 +84,36 @@ TEST(TgaRead, ValuesMapsAndPackets)
     Bytes raw_cut = {0x03, 1, 2, 3, 4, 0x7F};  // a raw packet of 128 where 2 pixels are left
     raw_cut.resize(134, 5);
     const struct { const char *id; Bytes file; int px, r, g, b, a; } cases[] = {
-        {"16-bit white and attribute", header({.width = 2, .bits = 16}, {0x00, 0x7C, 0xFF, 0xFF}), 1, 248, 248, 248, 128},
+        {"16-bit white and attribute", header({.width = 2, .bits = 16}, {0x00, 0x7C, 0xFF, 0xFF}), 1, 248, 248, 248,
+            128},
         {"16-bit green straddles", header({.bits = 16}, {0xE0, 0x03}), 0, 0, 248, 0, 0},
-        {"map and id skipped", header({.idlen = 3, .maptype = 1, .maplen = 2, .mapbits = 24}, {'a', 'b', 'c', 9, 9, 9, 9, 9, 9, 10, 20, 30}),
+        {"map and id skipped",
+            header({.idlen = 3, .maptype = 1, .maplen = 2, .mapbits = 24},
+                {'a', 'b', 'c', 9, 9, 9, 9, 9, 9, 10, 20, 30}),
          0, 30, 20, 10, 255},
-        {"index past the map: last entry", header({.maptype = 1, .type = 1, .maplen = 16, .mapbits = 24, .width = 3, .bits = 8}, map16),
+        {"index past the map: last entry",
+            header({.maptype = 1, .type = 1, .maplen = 16, .mapbits = 24, .width = 3, .bits = 8}, map16),
          2, 115, 0, 15, 255},
         // The map is read straight after the header, before the ID: a 1-byte ID shifts it.
-        {"map before id", header({.idlen = 1, .maptype = 1, .type = 1, .maplen = 2, .mapbits = 24, .bits = 8}, {0xEE, 1, 2, 3, 4, 5, 6, 0}),
+        {"map before id",
+            header({.idlen = 1, .maptype = 1, .type = 1, .maplen = 2, .mapbits = 24, .bits = 8},
+                {0xEE, 1, 2, 3, 4, 5, 6, 0}),
          0, 2, 1, 0xEE, 255},
         // 15-bit entries are read as one byte each (grey); pixels start after 2 * 15 / 8 = 3 map bytes.
-        {"15-bit map", header({.maptype = 1, .type = 1, .maplen = 2, .mapbits = 15, .bits = 8}, {40, 50, 0, 1}), 0, 50, 50, 50, 255},
+        {"15-bit map", header({.maptype = 1, .type = 1, .maplen = 2, .mapbits = 15, .bits = 8}, {40, 50, 0, 1}), 0, 50,
+            50, 50, 255},
         {"empty map", header({.maptype = 1, .type = 1, .mapbits = 15, .bits = 8}, {7}), 0, 0, 0, 0, 0},
         {"run cut at the end", header(grey_rle, {0x84, 60, 0xFF, 90}), 5, 90, 90, 90, 255},
         {"raw cut at the end", header(grey_rle, raw_cut), 5, 5, 5, 5, 255},
-        {"right-to-left ignored", header({.type = 3, .width = 3, .bits = 8, .descriptor = 0x10}, {0, 1, 2}), 0, 0, 0, 0, 255},
+        {"right-to-left ignored", header({.type = 3, .width = 3, .bits = 8, .descriptor = 0x10}, {0, 1, 2}), 0, 0, 0, 0,
+            255},
     };
     std::vector<BitmapPixel> px;
     for (const auto &c : cases) {
         ASSERT_EQ(read_tga(c.file, &px), 0) << c.id;
         const BitmapPixel p = px[(size_t)c.px];
-        EXPECT_TRUE(Same_BitmapPixel(p, {(unsigned char)c.r, (unsigned char)c.g, (unsigned char)c.b, (unsigned char)c.a}))
+        EXPECT_TRUE(Same_BitmapPixel(p,
+            {(unsigned char)c.r, (unsigned char)c.g, (unsigned char)c.b, (unsigned char)c.a}))
             << c.id << ": " << int(p.r) << " " << int(p.g) << " " << int(p.b) << " " << int(p.a);
     }
     BitmapPixel p{5, 6, 7, 8};

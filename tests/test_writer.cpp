@@ -56,7 +56,8 @@ Bytes rows_rgb(const Image &im, int nx, int ny, bool last_first, bool alpha)
 // Pixels by letter ('a' differs from 'A' in alpha only), each letter n times.
 Image row_of(const std::string &letters, int n = 1)
 {
-    static const BitmapPixel px[5] = {{10, 20, 30, 255}, {10, 20, 30, 0}, {40, 50, 60, 255}, {70, 80, 90, 200}, {1, 2, 3, 4}};
+    static const BitmapPixel px[5] = {{10, 20, 30, 255}, {10, 20, 30, 0}, {40, 50, 60, 255}, {70, 80, 90, 200},
+        {1, 2, 3, 4}};
     Image row;
     for (int k = 0; k < n; k++)
         for (char ch : letters) row.push_back(px[std::string("AaBCX").find(ch)]);
@@ -71,7 +72,8 @@ TEST(writer_bytes, WithoutAnOutsideReader)
     // 6 x 5 x 3, min 0, max 255, reserved, the name, 8 zeros), then raw r g b.
     const Image f = make_f(6);
     EXPECT_EQ(write_image(f, 6, 5, 3), hx("01da 00 01 0003 0006 0005 0003 00000000 000000ff 00000000 "
-                                          "5772697465426974 6d61702c206b6578 0000000000000000") + rows_rgb(f, 6, 5, false, false));
+                                          "5772697465426974 6d61702c206b6578 0000000000000000")
+                                              + rows_rgb(f, 6, 5, false, false));
     EXPECT_EQ(write_image(f, 6, 5, -8), rows_rgb(f, 6, 5, true, false));
     EXPECT_EQ(write_image({{10, 20, 40, 0}, {255, 255, 255, 0}, {1, 1, 0, 0}}, 3, 1, 4), hx("17 ff 00"));  // (r+g+b)/3
     int ok = -1;
@@ -79,7 +81,8 @@ TEST(writer_bytes, WithoutAnOutsideReader)
         EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
     EXPECT_TRUE(write_image(f, -6, 5, 1, &ok).empty() && ok == 0);
     for (auto [text, want, good] : {std::tuple{"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}})
-        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, text); }, &ok) == hx(want) && ok == good) << text;
+        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, text); }, &ok) == hx(want) && ok == good)
+            << text;
     unsigned char buf[4] = {9, 9, 9, 9};
     EXPECT_EQ(capture([&](FILE *s) { return BM_WriteLongInt(s, buf, 0xFFFFFFFEu); }), hx("fffffffe"));
     EXPECT_EQ(Bytes(buf, buf + 4), hx("fffffffe"));
@@ -87,20 +90,24 @@ TEST(writer_bytes, WithoutAnOutsideReader)
     // Run-length packets: header 0x80 | (n-1) for a run, n-1 for raw values (b g r [a]).
     auto pk = [](int head, const Image &px, int bytes) {
         Bytes out = {(unsigned char)head};
-        for (const BitmapPixel &p : px) out.insert(out.end(), {p.b, p.g, p.r, p.a}), out.resize(out.size() - (bytes == 3));
+        for (const BitmapPixel &p : px) out.insert(out.end(), {p.b, p.g, p.r, p.a}),
+            out.resize(out.size() - (bytes == 3));
         return out;
     };
     const Image ab64 = row_of("AB", 64), A = row_of("A"), B = row_of("B");  // 128 pixels, no two neighbours equal
     const struct { const char *id; Image row; int bytes; Bytes want; } cases[] = {
         {"300 equal", row_of("A", 300), 3, pk(0xFF, A, 3) + pk(0xFF, A, 3) + pk(0xAB, A, 3)},
-        {"raw then run", row_of("ABB"), 3, pk(0x00, A, 3) + pk(0x81, B, 3)}, {"lone last", row_of("AAB"), 4, pk(0x81, A, 4) + pk(0x80, B, 4)},
+        {"raw then run", row_of("ABB"), 3, pk(0x00, A, 3) + pk(0x81, B, 3)},
+            {"lone last", row_of("AAB"), 4, pk(0x81, A, 4) + pk(0x80, B, 4)},
         {"alpha counts", row_of("Aa"), 3, pk(0x01, row_of("Aa"), 3)},
         // 128 raw, then X V V with V the 128th value: the run carries V over X.
         {"carried pixel", row_of("AB", 64) + row_of("XBB"), 3, pk(0x7F, ab64, 3) + pk(0x82, B, 3)},
-        {"128 then 2", row_of("ABC", 43) + row_of("AB"), 3, pk(0x7F, row_of("ABC", 42) + row_of("AB"), 3) + pk(0x02, row_of("CAB"), 3)},
+        {"128 then 2", row_of("ABC", 43) + row_of("AB"), 3, pk(0x7F, row_of("ABC", 42) + row_of("AB"), 3)
+            + pk(0x02, row_of("CAB"), 3)},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(capture([&](FILE *s) { return WriteTGACompressedRow(s, c.row.data(), (int)c.row.size(), c.bytes), 0; }), c.want)
+        EXPECT_EQ(capture([&](FILE *s) { return WriteTGACompressedRow(s, c.row.data(), (int)c.row.size(), c.bytes),
+            0; }), c.want)
             << c.id;
 }
 
@@ -119,7 +126,8 @@ TEST(writer_errors, StreamRefusesBytes)
         for (size_t room = 0, size = write_image(f, 6, 5, code).size(); room <= size; room++) {
             size_t left = room;
             FILE *s = fopencookie(&left, "w", {nullptr, limited_write, nullptr, nullptr});
-            EXPECT_EQ(Write_Bitmap(s, f.data(), 6, 5, code), room == size ? 1 : 0) << "code " << code << " room " << room;
+            EXPECT_EQ(Write_Bitmap(s, f.data(), 6, 5, code), room == size ? 1 : 0) << "code " << code << " room "
+                << room;
             fclose(s);
         }
 }
@@ -127,9 +135,11 @@ TEST(writer_errors, StreamRefusesBytes)
 TEST(writer_roundtrip, OwnTgaReader)
 {
     Image runs;  // runs of 1 to 4 of three colours
-    for (int i = 0; runs.size() < 1200; i++) runs.insert(runs.end(), 1 + i * 7 % 4, i % 3 ? k_red : BitmapPixel{7, 8, 9, 100});
+    for (int i = 0; runs.size() < 1200; i++) runs.insert(runs.end(), 1 + i * 7 % 4, i % 3 ? k_red
+        : BitmapPixel{7, 8, 9, 100});
     runs.resize(1200);
-    const struct { int nx, ny; Image im; } images[] = {{6, 5, make_f(6)}, {300, 4, runs}, {1, 1, make_f(1)}, {131, 1, row_of("AB", 64) + row_of("XBB")}};
+    const struct { int nx, ny; Image im; } images[] = {{6, 5, make_f(6)}, {300, 4, runs}, {1, 1, make_f(1)},
+        {131, 1, row_of("AB", 64) + row_of("XBB")}};
     for (const auto &c : images)
         for (int code : {1, -1, 11, -11, 12, -12, 13, -13}) {
             Bytes file = write_image(c.im, c.nx, c.ny, code);
@@ -140,7 +150,8 @@ TEST(writer_roundtrip, OwnTgaReader)
             fclose(f);
             if (c.nx == 131 && abs(code) >= 12) want = row_of("AB", 64) + row_of("BBB");  // X carried over as B
             const bool alpha = abs(code) == 11 || abs(code) == 13;
-            EXPECT_EQ(rows_rgb(back, c.nx, c.ny, false, alpha), rows_rgb(want, c.nx, c.ny, code < 0, alpha)) << c.nx << " code " << code;
+            EXPECT_EQ(rows_rgb(back, c.nx, c.ny, false, alpha), rows_rgb(want, c.nx, c.ny, code < 0, alpha)) << c.nx
+                << " code " << code;
         }
 }
 
@@ -150,11 +161,14 @@ TEST(writer_readers, ImageMagickLibtiffGhostscriptNetpbm)
     // bottom-left origin as a tag until -auto-orient; Ghostscript renders one
     // point per pixel at 72 dpi; pnmtoplainpnm prints "P3", the sizes, maxval.
     const std::string im = "/usr/bin/convert %s -auto-orient -depth 8 rgb:-", gs = "/usr/bin/gs -q -dSAFER -dBATCH "
-        "-dNOPAUSE -sDEVICE=bitrgb -dGrayValues=256 -r72 -dEPSCrop -sOutputFile=- %s", pnm = "/usr/bin/pnmtoplainpnm %s";
+        "-dNOPAUSE -sDEVICE=bitrgb -dGrayValues=256 -r72 -dEPSCrop -sOutputFile=- %s",
+            pnm = "/usr/bin/pnmtoplainpnm %s";
     // top: the format shows its first written row on top (PPM, TIFF, EPS).
     const struct { const char *name; int code, nx; std::string decoder; bool top; } cases[] = {
-        {"b.tga", -1, 6, im, false}, {"d.tga", 12, 6, im, false}, {"f.tga", -13, 6, "/usr/bin/convert %s -auto-orient -depth 8 rgba:-", false},
-        {"b.ppm", 2, 6, pnm, true}, {"c.ppm", -2, 6, pnm, true}, {"b.bmp", -9, 4, im, false}, {"a.tif", -5, 6, im, true},
+        {"b.tga", -1, 6, im, false}, {"d.tga", 12, 6, im, false},
+            {"f.tga", -13, 6, "/usr/bin/convert %s -auto-orient -depth 8 rgba:-", false},
+        {"b.ppm", 2, 6, pnm, true}, {"c.ppm", -2, 6, pnm, true}, {"b.bmp", -9, 4, im, false},
+            {"a.tif", -5, 6, im, true},
         {"b.eps", 6, 6, gs, true}, {"d.eps", -7, 100, gs, true},
     };
     for (const auto &c : cases) {
@@ -183,7 +197,8 @@ TEST(writer_readers, ImageMagickLibtiffGhostscriptNetpbm)
             const std::string info = run("/usr/bin/tiffinfo " + path + " 2>&1", &status);
             for (const char *field : {"Bits/Sample: 8", "Sample Format: unsigned integer", "Min Sample Value: 0",
                                       "Max Sample Value: 255", "Samples/Pixel: 3", "Rows/Strip: 5"})
-                EXPECT_TRUE(status == 0 && info.find(field) != std::string::npos && info.find("arning") == std::string::npos)
+                EXPECT_TRUE(status == 0 && info.find(field) != std::string::npos
+                    && info.find("arning") == std::string::npos)
                     << field << " in\n" << info;
         }
         remove(path.c_str());
