@@ -41,7 +41,7 @@ TEST(Contour, CellsAndVisitingOrder)
     contour(2, 0, 2, [](double, double) { return 4.0; }, {1.0, 4.0, 9.0});  // all at the level: the outer sides
     ASSERT_EQ(segs.size(), 4u);
     EXPECT_TRUE(segs[0].x1 == 2 && segs[0].y1 == 0 && segs[0].x2 == 0 && segs[3].y2 == 2 && segs[3].level == 4);
-    for (auto z : {std::vector<double>{-1.0, 2.0}, {}}) {  // levels outside the cell, no levels, jub <= jlb
+    for (const auto &z : {std::vector<double>{-1.0, 2.0}, {}}) {  // levels outside the cell, no levels, jub <= jlb
         contour(2, 0, 1, [](double x, double) { return x; }, z);
         EXPECT_TRUE(segs.empty());
     }

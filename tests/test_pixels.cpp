@@ -68,10 +68,10 @@ TEST(Pixels, LinesAndFlips)
     EXPECT_EQ(count_red(e), 3);
 
     // r = x, g = y: every pixel distinct. Odd height: the middle row stays.
-    std::vector<BitmapPixel> n(30), f;
+    std::vector<BitmapPixel> n(30);
     for (int i = 0; i < 30; i++) n[(size_t)i] = {(unsigned char)(i % 6), (unsigned char)(i / 6), 7, 255};
     for (int dir : {0, 1, 2}) {
-        f = n;
+        std::vector<BitmapPixel> f = n;
         Flip_Bitmap(f.data(), 6, 5, dir);
         for (int i = 0; i < 30; i++) {
             const int x = i % 6, y = i / 6, sx = dir == 1 ? 5 - x : x, sy = dir == 0 ? 4 - y : y;

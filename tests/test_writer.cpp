@@ -80,9 +80,11 @@ TEST(writer_bytes, WithoutAnOutsideReader)
     for (int code : {0, 10, -10, 14, 99, INT_MIN})  // no such format: nothing written
         EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
     EXPECT_TRUE(write_image(f, -6, 5, 1, &ok).empty() && ok == 0);
-    for (auto [text, want, good] : {std::tuple{"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}})
-        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, text); }, &ok) == hx(want) && ok == good)
-            << text;
+    static const struct { const char *text, *want; int ok; } hex[] = {
+        {"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}};  // odd last digit; a non-digit
+    for (const auto &c : hex)
+        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, c.text); }, &ok) == hx(c.want) && ok == c.ok)
+            << c.text;
     unsigned char buf[4] = {9, 9, 9, 9};
     EXPECT_EQ(capture([&](FILE *s) { return BM_WriteLongInt(s, buf, 0xFFFFFFFEu); }), hx("fffffffe"));
     EXPECT_EQ(Bytes(buf, buf + 4), hx("fffffffe"));

@@ -122,7 +122,7 @@ int Write_AU(FILE *fptr, const double *samples, long n, int rate)
     Out o = {fptr, true};
     put_tag(o, ".snd");
     put_be(o, 24, 4);  // header size
-    put_be(o, 2 * (uint32_t)n, 4);
+    put_be(o, (uint32_t)(2 * (uint32_t)n), 4);  // data size, modulo 2^32
     put_be(o, 3, 4);  // 16-bit linear
     put_be(o, (uint32_t)rate, 4);
     put_be(o, 1, 4);  // channels
@@ -143,7 +143,7 @@ int Write_WAVE(FILE *fptr, const float *samples, int n, int rate)
     put_le(o, 1, 2);  // PCM
     put_le(o, 1, 2);  // channels
     put_le(o, (uint32_t)rate, 4);
-    put_le(o, 2 * (uint32_t)rate, 4);  // bytes per second
+    put_le(o, (uint32_t)(2 * (uint32_t)rate), 4);  // bytes per second
     put_le(o, 2, 2);                   // block align
     put_le(o, 16, 2);                  // bits per sample
     put_tag(o, "data");
