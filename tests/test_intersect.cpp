@@ -46,6 +46,12 @@ TEST(Intersect, KnownCases)
     EXPECT_TRUE(x == 1 && y == 1 && mu == 3 && d == 2);  // the outputs of the hits
     EXPECT_NEAR(PlanePoint({0, 0, 1}, {1, 0, 3}, {0, 1, 4}, 3, -2), 1, 1e-12);  // z = 2x + 3y + 1
     EXPECT_NEAR(PolygonCurve(sq3, 4), 45, 1e-5);
+    EXPECT_NEAR(PolygonLength(sq3, 4), 3, 1e-12);  // open: three sides
+    Vec3 pa, pb;
+    double mua = 9, mub;
+    ASSERT_EQ(LineLineIntersect({0, 0, 0}, {2, 0, 0}, {1, 1, 0}, {1, 1, 5}, &pa, &pb, &mua, &mub), 1);
+    EXPECT_TRUE(pa.x == 1 && pa.y == 0 && pb.y == 1 && pb.z == 0 && mua == 0.5);
+    EXPECT_TRUE(LineLineIntersect({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {3, 1, 0}, &pa, &pb, &mua, &mub) == 0 && mua == 0.5);
     double u;
     Vec3 c3;
     EXPECT_NEAR(PointLine3D({3, 1, 0}, {0, 0, 0}, {1, 0, 0}, &c3, &u), 1, 1e-12);
