@@ -38,6 +38,12 @@ inline int bm_put32be(FILE *f, std::uint32_t v)
     return bm_put16be(f, v >> 16) && bm_put16be(f, v);
 }
 
+// The same 4 bytes as bm_put32be, stored in buf instead.
+inline void bm_store32be(unsigned char *buf, std::uint32_t v)
+{
+    for (int i = 0; i < 4; i++) buf[i] = (unsigned char)(v >> (24 - 8 * i));
+}
+
 // n bytes of a character array, as they stand (no terminator).
 inline int bm_putchars(FILE *f, const char *s, std::size_t n)
 {

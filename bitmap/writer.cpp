@@ -111,7 +111,10 @@ void sgi_header(FILE *f, int nx, int ny)
     bm_put16be(f, 3);
     bm_put16be(f, (std::uint32_t)nx);
     bm_put16be(f, (std::uint32_t)ny);
-    BM_WriteHexString(f, "000300000000000000ff00000000");  // channels, min, max, reserved
+    bm_put16be(f, 3);    // channels
+    bm_put32be(f, 0);    // minimum value
+    bm_put32be(f, 255);  // maximum value
+    bm_put32be(f, 0);    // reserved
     bm_putchars(f, "WriteBitmap, kex", 16);
     bm_putzeros(f, 8);
 }
@@ -119,9 +122,9 @@ void sgi_header(FILE *f, int nx, int ny)
 // "MM", 42, then the offset of the directory, which follows the S pixel bytes.
 void tiff_header(FILE *f, std::uint32_t S)
 {
-    unsigned char buf[4];
-    BM_WriteHexString(f, "4d4d002a");
-    BM_WriteLongInt(f, buf, S + 8);
+    bm_putchars(f, "MM", 2);
+    bm_put16be(f, 42);
+    bm_put32be(f, S + 8);
 }
 
 // The directory at S + 8: 14 entries of 12 bytes, the next-directory offset 0
@@ -129,44 +132,47 @@ void tiff_header(FILE *f, std::uint32_t S)
 // ends at S + 206.
 void tiff_directory(FILE *f, int nx, int ny, std::uint32_t S)
 {
-    enum { FIXED, SHORT_NX, SHORT_NY, LONG_S };  // how an entry's value is completed
+    enum Base { ZERO, NX, NY, SIZE };  // what an entry's value adds to add
     static constexpr struct {
-        const char *fixed;  // tag, type, count, and the value when it is constant
-        int value;
-        std::uint32_t add;  // LONG_S: the value is S + add
+        std::uint16_t tag, type;  // type 3 SHORT, 4 LONG
+        std::uint32_t count;
+        Base base;
+        std::uint32_t add;
     } entries[14] = {
-        {"0100000300000001", SHORT_NX, 0},            // image width
-        {"0101000300000001", SHORT_NY, 0},            // image length
-        {"0102000300000003", LONG_S, 182},            // bits per sample -> 8,8,8
-        {"010300030000000100010000", FIXED, 0},       // compression: none
-        {"010600030000000100020000", FIXED, 0},       // photometric: RGB
-        {"011100040000000100000008", FIXED, 0},       // strip offsets: 8
-        {"011200030000000100010000", FIXED, 0},       // orientation 1
-        {"011500030000000100030000", FIXED, 0},       // samples per pixel 3
-        {"0116000300000001", SHORT_NY, 0},            // rows per strip
-        {"0117000400000001", LONG_S, 0},              // strip byte counts
-        {"0118000300000003", LONG_S, 188},            // min sample -> 0,0,0
-        {"0119000300000003", LONG_S, 194},            // max sample -> 255,255,255
-        {"011c00030000000100010000", FIXED, 0},       // planar configuration: chunky
-        {"0153000300000003", LONG_S, 200},            // sample format -> 1,1,1
+        {0x100, 3, 1, NX, 0},      // image width
+        {0x101, 3, 1, NY, 0},      // image length
+        {0x102, 3, 3, SIZE, 182},  // bits per sample -> 8,8,8
+        {0x103, 3, 1, ZERO, 1},    // compression: none
+        {0x106, 3, 1, ZERO, 2},    // photometric: RGB
+        {0x111, 4, 1, ZERO, 8},    // strip offsets: 8
+        {0x112, 3, 1, ZERO, 1},    // orientation 1
+        {0x115, 3, 1, ZERO, 3},    // samples per pixel 3
+        {0x116, 3, 1, NY, 0},      // rows per strip
+        {0x117, 4, 1, SIZE, 0},    // strip byte counts
+        {0x118, 3, 3, SIZE, 188},  // min sample -> 0,0,0
+        {0x119, 3, 3, SIZE, 194},  // max sample -> 255,255,255
+        {0x11c, 3, 1, ZERO, 1},    // planar configuration: chunky
+        {0x153, 3, 3, SIZE, 200},  // sample format -> 1,1,1
     };
-    unsigned char buf[4];
+    const std::uint32_t base[4] = {0, (std::uint32_t)nx, (std::uint32_t)ny, S};
 
     bm_put16be(f, 14);
     for (const auto &e : entries) {
-        BM_WriteHexString(f, e.fixed);
-        if (e.value == SHORT_NX || e.value == SHORT_NY) {
-            bm_put16be(f, (std::uint32_t)(e.value == SHORT_NX ? nx : ny));
+        const std::uint32_t value = base[e.base] + e.add;
+        bm_put16be(f, e.tag);
+        bm_put16be(f, e.type);
+        bm_put32be(f, e.count);
+        if (e.type == 3 && e.count == 1) {  // one short sits left-justified in the 4 bytes
+            bm_put16be(f, value);
             bm_put16be(f, 0);
-        } else if (e.value == LONG_S) {
-            BM_WriteLongInt(f, buf, S + e.add);
+        } else {  // a long, or the offset of the value array
+            bm_put32be(f, value);
         }
     }
-    BM_WriteHexString(f, "00000000");      // no further directory
-    BM_WriteHexString(f, "000800080008");  // S + 182: bits per sample
-    BM_WriteHexString(f, "000000000000");  // S + 188: minimum sample values
-    BM_WriteHexString(f, "00ff00ff00ff");  // S + 194: maximum sample values
-    BM_WriteHexString(f, "000100010001");  // S + 200: sample format unsigned
+    bm_put32be(f, 0);  // no further directory
+    static constexpr std::uint16_t arrays[4] = {8, 0, 255, 1};  // bits, min, max, unsigned format
+    for (std::uint16_t v : arrays)
+        for (int k = 0; k < 3; k++) bm_put16be(f, v);
 }
 
 // The image is scaled to nx by ny points, so one pixel is one point; the
@@ -354,9 +360,6 @@ int BM_WriteHexString(FILE *fptr, const char *hex)
 int BM_WriteLongInt(FILE *fptr, unsigned char *buf, std::uint32_t value)
 {
     assert(fptr && buf);
-    buf[0] = (unsigned char)(value >> 24);
-    buf[1] = (unsigned char)(value >> 16);
-    buf[2] = (unsigned char)(value >> 8);
-    buf[3] = (unsigned char)value;
+    bm_store32be(buf, value);
     return bm_put32be(fptr, value);
 }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "util/bytes.h"
+
 namespace {
 
 // ---- SECTION byte output ------------------------------------------------------
@@ -14,38 +16,20 @@ struct Out {
     bool ok;
 };
 
-void put8(Out &o, uint32_t v)
+// Each records a refused byte in o.ok; the bytes go out through bytes.h.
+void put_be(Out &o, uint64_t v, int n)
 {
-    if (fputc((int)(v & 0xFF), o.f) == EOF) o.ok = false;
+    if (!ub_put_be(o.f, v, n)) o.ok = false;
 }
 
-void put16be(Out &o, uint32_t v)
+void put_le(Out &o, uint64_t v, int n)
 {
-    put8(o, v >> 8);
-    put8(o, v);
-}
-
-void put32be(Out &o, uint32_t v)
-{
-    put16be(o, v >> 16);
-    put16be(o, v);
-}
-
-void put16le(Out &o, uint32_t v)
-{
-    put8(o, v);
-    put8(o, v >> 8);
-}
-
-void put32le(Out &o, uint32_t v)
-{
-    put16le(o, v);
-    put16le(o, v >> 16);
+    if (!ub_put_le(o.f, v, n)) o.ok = false;
 }
 
 void put_tag(Out &o, const char *tag)
 {
-    for (int i = 0; i < 4; i++) put8(o, (unsigned char)tag[i]);
+    if (!ub_put_chars(o.f, tag, 4)) o.ok = false;
 }
 
 int finish(Out &o)
@@ -94,7 +78,7 @@ Scale sample_scale(const double *x, long n)
 void put_normalised(Out &o, const double *x, long n)
 {
     const Scale s = sample_scale(x, n);
-    for (long i = 0; i < n; i++) put16be(o, to16((x[i] - s.mid) * full_scale / s.amp));
+    for (long i = 0; i < n; i++) put_be(o, to16((x[i] - s.mid) * full_scale / s.amp), 2);
 }
 
 bool bad_args(const FILE *fptr, const void *samples, long n)
@@ -115,22 +99,19 @@ int Write_AIFF(FILE *fptr, const double *samples, long n, int rate)
     const uint32_t bytes = 2 * (uint32_t)n;
     Out o = {fptr, true};
     put_tag(o, "FORM");
-    put32be(o, bytes + 46);
+    put_be(o, bytes + 46, 4);
     put_tag(o, "AIFF");
     put_tag(o, "COMM");
-    put32be(o, 18);
-    put16be(o, 1);  // channels
-    put32be(o, (uint32_t)n);
-    put16be(o, 16);  // bits per sample
-    put8(o, 0x40);
-    put8(o, exponent);
-    put8(o, 0xAC);
-    put8(o, 0x44);
-    for (int i = 0; i < 6; i++) put8(o, 0);
+    put_be(o, 18, 4);
+    put_be(o, 1, 2);  // channels
+    put_be(o, (uint32_t)n, 4);
+    put_be(o, 16, 2);  // bits per sample
+    put_be(o, 0x4000u | exponent, 2);  // sign 0 and the biased exponent
+    put_be(o, 0xAC44ull << 48, 8);     // the mantissa, integer bit first
     put_tag(o, "SSND");
-    put32be(o, bytes + 8);
-    put32be(o, 0);  // offset
-    put32be(o, 0);  // block size
+    put_be(o, bytes + 8, 4);
+    put_be(o, 0, 4);  // offset
+    put_be(o, 0, 4);  // block size
     put_normalised(o, samples, n);
     return finish(o);
 }
@@ -140,11 +121,11 @@ int Write_AU(FILE *fptr, const double *samples, long n, int rate)
     if (bad_args(fptr, samples, n)) return 0;
     Out o = {fptr, true};
     put_tag(o, ".snd");
-    put32be(o, 24);  // header size
-    put32be(o, 2 * (uint32_t)n);
-    put32be(o, 3);  // 16-bit linear
-    put32be(o, (uint32_t)rate);
-    put32be(o, 1);  // channels
+    put_be(o, 24, 4);  // header size
+    put_be(o, (uint32_t)(2 * (uint32_t)n), 4);  // data size, modulo 2^32
+    put_be(o, 3, 4);  // 16-bit linear
+    put_be(o, (uint32_t)rate, 4);
+    put_be(o, 1, 4);  // channels
     put_normalised(o, samples, n);
     return finish(o);
 }
@@ -155,23 +136,23 @@ int Write_WAVE(FILE *fptr, const float *samples, int n, int rate)
     const uint32_t bytes = 2 * (uint32_t)n;
     Out o = {fptr, true};
     put_tag(o, "RIFF");
-    put32le(o, bytes + 36);
+    put_le(o, bytes + 36, 4);
     put_tag(o, "WAVE");
     put_tag(o, "fmt ");
-    put32le(o, 16);
-    put16le(o, 1);  // PCM
-    put16le(o, 1);  // channels
-    put32le(o, (uint32_t)rate);
-    put32le(o, 2 * (uint32_t)rate);  // bytes per second
-    put16le(o, 2);                   // block align
-    put16le(o, 16);                  // bits per sample
+    put_le(o, 16, 4);
+    put_le(o, 1, 2);  // PCM
+    put_le(o, 1, 2);  // channels
+    put_le(o, (uint32_t)rate, 4);
+    put_le(o, (uint32_t)(2 * (uint32_t)rate), 4);  // bytes per second
+    put_le(o, 2, 2);                   // block align
+    put_le(o, 16, 2);                  // bits per sample
     put_tag(o, "data");
-    put32le(o, bytes);
+    put_le(o, bytes, 4);
     for (int i = 0; i < n; i++) {
         float x = samples[i];
         if (x < -1.0f) x = -1.0f;
         if (x > 1.0f) x = 1.0f;
-        put16le(o, to16(x * 32760.0f));  // scaled in single precision, never rescaled
+        put_le(o, to16(x * 32760.0f), 2);  // scaled in single precision, never rescaled
     }
     return finish(o);
 }

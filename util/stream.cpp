@@ -7,6 +7,8 @@
 #include <cstring>
 #include <string>
 
+#include "util/bytes.h"
+
 namespace {
 
 // Reads size bytes (at most 8) into buf, reversing them when swap is set.
@@ -34,22 +36,10 @@ int read_value(FILE *fp, T *v, int swap)
 }
 
 // Writes the low size bytes of bits: big-endian when swap is set, else in
-// the host's order (the bytes of the unsigned value of that size as stored).
-int write_raw(FILE *fp, uint64_t bits, size_t size, int swap)
+// the host's order.
+int write_raw(FILE *fp, uint64_t bits, int size, int swap)
 {
-    unsigned char b[8];
-    if (swap) {
-        for (size_t i = 0; i < size; i++) b[i] = (unsigned char)(bits >> (8 * (size - 1 - i)));
-    } else if (size == 2) {
-        const uint16_t v = (uint16_t)bits;
-        memcpy(b, &v, 2);
-    } else if (size == 4) {
-        const uint32_t v = (uint32_t)bits;
-        memcpy(b, &v, 4);
-    } else {
-        memcpy(b, &bits, 8);
-    }
-    return fwrite(b, 1, size, fp) == size;
+    return swap || !ub_host_le() ? ub_put_be(fp, bits, size) : ub_put_le(fp, bits, size);
 }
 
 bool is_junk(char c)
@@ -266,49 +256,4 @@ int EchoFile(const char *name, FILE *out)
     while (ok && (got = fread(buf, 1, sizeof buf, fp)) > 0) ok = fwrite(buf, 1, got, out) == got;
     fclose(fp);
     return ok;
-}
-
-// ---- values ----------------------------------------------------------------------
-
-int ClipInteger(int *v, int lower, int upper)
-{
-    if (*v < lower) {
-        *v = lower;
-        return 1;
-    }
-    if (*v > upper) {
-        *v = upper;
-        return 1;
-    }
-    return 0;
-}
-
-int ClipDouble(double *v, double upper, double lower)
-{
-    if (lower > *v) {
-        *v = lower;
-        return 1;
-    }
-    if (*v > upper) {
-        *v = upper;
-        return 1;
-    }
-    return 0;
-}
-
-void SwapDouble(double *a, double *b)
-{
-    const double t = *a;
-    *a = *b;
-    *b = t;
-}
-
-void MinMaxXYZ(Vec3 *min, Vec3 *max, Vec3 p)
-{
-    if (p.x < min->x) min->x = p.x;
-    if (p.y < min->y) min->y = p.y;
-    if (p.z < min->z) min->z = p.z;
-    if (p.x > max->x) max->x = p.x;
-    if (p.y > max->y) max->y = p.y;
-    if (p.z > max->z) max->z = p.z;
 }

@@ -17,8 +17,6 @@
 
 #include <cstdio>
 
-#include "util/vectors.h"
-
 // ---- binary values ---------------------------------------------------------------
 
 int ReadShort(FILE *fp, short *v, int swap);
@@ -86,14 +84,3 @@ int IndexCopy(const char *src, char *dst, int from, int to);
 // Copies the named file byte for byte to out. Returns 1 when copied; 0 when
 // the file cannot be opened (nothing is written) or out refuses a write.
 int EchoFile(const char *name, FILE *out);
-
-// ---- values ----------------------------------------------------------------------
-
-// Clips *v into [lower, upper]; returns 1 when it changed *v, else 0.
-int ClipInteger(int *v, int lower, int upper);
-// Note the reversed bounds: the second is the lower limit, the first the
-// upper. The lower one is tested first. Returns 1 when it changed *v, else 0.
-int ClipDouble(double *v, double upper, double lower);
-void SwapDouble(double *a, double *b);
-// Widens the box [*min, *max] to include p, coordinate by coordinate.
-void MinMaxXYZ(Vec3 *min, Vec3 *max, Vec3 p);

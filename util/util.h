@@ -5,7 +5,11 @@
 // library never prints and never exits.
 #pragma once
 
-#include "util/maths.h"
+#include "util/timer.h"
+#include "util/terminal.h"
+#include "util/arith.h"
+#include "util/special.h"
+#include "util/values.h"
 #include "util/regress.h"
 #include "util/vectors.h"
 #include "util/stream.h"

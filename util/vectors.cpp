@@ -65,6 +65,16 @@ Vec3 Centroid(const Vec3 *p, int n)
     return Vec3{sum.x / n, sum.y / n, sum.z / n};
 }
 
+void MinMaxXYZ(Vec3 *min, Vec3 *max, Vec3 p)
+{
+    if (p.x < min->x) min->x = p.x;
+    if (p.y < min->y) min->y = p.y;
+    if (p.z < min->z) min->z = p.z;
+    if (p.x > max->x) max->x = p.x;
+    if (p.y > max->y) max->y = p.y;
+    if (p.z > max->z) max->z = p.z;
+}
+
 double DotProduct(Vec3 p1, Vec3 p2)
 {
     return p1.x * p2.x + p1.y * p2.y + p1.z * p2.z;

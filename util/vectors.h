@@ -33,6 +33,8 @@ Vec3 VectorCombination(double a, double b, double c, Vec3 p1, Vec3 p2, Vec3 p3);
 Vec3 MidPoint(Vec3 p1, Vec3 p2);
 // Mean of p[0..n-1]. n < 1 still divides the (zero) sum by n: NaN for n == 0.
 Vec3 Centroid(const Vec3 *p, int n);
+// Widens the box [*min, *max] to include p, coordinate by coordinate.
+void MinMaxXYZ(Vec3 *min, Vec3 *max, Vec3 p);
 double DotProduct(Vec3 p1, Vec3 p2);
 Vec3 CrossProduct(Vec3 p1, Vec3 p2);
 

@@ -10,7 +10,7 @@
 #include "app/images.h"
 #include "app/options.h"
 #include "app/results.h"
-#include "util/maths.h"
+#include "util/timer.h"
 
 namespace {
 

@@ -1,26 +1,16 @@
 #!/usr/bin/python3
-"""Reference solutions of linear systems by numpy.linalg.solve.
-
-Input (the file named as the only argument): blocks of "n", then n lines of n
-coefficients (one equation per line), then one line of n right-hand sides.
-Output: one line per system, the solution values in repr form.
-Exit status 77 when numpy is not installed, so the caller can skip.
-"""
+"""Reference solutions by numpy.linalg.solve: solve_linear.py FILE, FILE holding
+blocks of "n", n lines of n coefficients (one equation each), one line of n
+right-hand sides. Prints one line of solution values per system."""
 import sys
 
-try:
-    import numpy as np
-except ImportError:
-    sys.exit(77)
+import numpy as np
 
-with open(sys.argv[1]) as f:
-    tokens = f.read().split()
+tokens = open(sys.argv[1]).read().split()
 pos = 0
 while pos < len(tokens):
     n = int(tokens[pos])
-    pos += 1
-    a = np.array([float(t) for t in tokens[pos:pos + n * n]]).reshape(n, n)
-    pos += n * n
-    b = np.array([float(t) for t in tokens[pos:pos + n]])
-    pos += n
+    a = np.array([float(t) for t in tokens[pos + 1:pos + 1 + n * n]]).reshape(n, n)
+    b = np.array([float(t) for t in tokens[pos + 1 + n * n:pos + 1 + n * n + n]])
+    pos += 1 + n * n + n
     print(" ".join(repr(float(v)) for v in np.linalg.solve(a, b)))

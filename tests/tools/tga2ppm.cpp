@@ -8,33 +8,18 @@
 
 int main(int argc, char **argv)
 {
-    if (argc != 2) {
-        fprintf(stderr, "usage: %s file.tga > file.ppm\n", argv[0]);
-        return 10;
-    }
-    FILE *f = fopen(argv[1], "rb");
-    if (!f) return 10;
+    FILE *f = argc == 2 ? fopen(argv[1], "rb") : nullptr;
+    if (!f) return fprintf(stderr, "usage: tga2ppm file.tga > file.ppm\n"), 10;
     int w, h, d;
     TGA_Info(f, &w, &h, &d);
     BitmapPixel *bm = Create_Bitmap(w, h);
-    if (!bm) {
-        fclose(f);
-        return 10;
-    }
-    int code = TGA_Read(f, bm, &w, &h);
+    const int code = bm ? TGA_Read(f, bm, &w, &h) : 10;
     fclose(f);
-    if (code) {
-        Destroy_Bitmap(bm);
-        return code;
+    if (code == 0) {
+        printf("P6\n%d %d\n255\n", w, h);
+        for (int y = h - 1; y >= 0; y--)
+            for (int x = 0; x < w; x++) printf("%c%c%c", bm[y * w + x].r, bm[y * w + x].g, bm[y * w + x].b);
     }
-    printf("P6\n%d %d\n255\n", w, h);
-    for (int y = h - 1; y >= 0; y--)
-        for (int x = 0; x < w; x++) {
-            const BitmapPixel p = bm[y * w + x];
-            putchar(p.r);
-            putchar(p.g);
-            putchar(p.b);
-        }
     Destroy_Bitmap(bm);
-    return 0;
+    return code;
 }

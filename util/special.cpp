@@ -1,69 +1,14 @@
-// util/maths.cpp - timer, terminal mode, integer maths and special functions.
-#include "util/maths.h"
-
-#include <sys/time.h>
-#include <termios.h>
+// util/special.cpp - Bessel functions (series and integral forms, zeros) and
+// log-gamma (Lanczos).
+#include "util/special.h"
 
 #include <cmath>
 
 namespace {
 
-struct termios saved_tty;  // the settings SetKeyboardIO(1) replaced
-
 const double bessel_step = 0.0003141592653589793;  // pi / 10000
 
 }  // namespace
-
-double GetRunTime(void)
-{
-    struct timeval tv;
-    gettimeofday(&tv, nullptr);
-    return tv.tv_sec + tv.tv_usec / 1000000.0;
-}
-
-int SetKeyboardIO(int flag)
-{
-    if (flag) {
-        tcgetattr(0, &saved_tty);
-        struct termios raw = saved_tty;
-        raw.c_lflag &= ~(tcflag_t)ICANON;
-        raw.c_cc[VMIN] = 1;
-        raw.c_cc[VTIME] = 0;
-        return tcsetattr(0, TCSANOW, &raw);
-    }
-    return tcsetattr(0, TCSANOW, &saved_tty);
-}
-
-double Logarithm(double x, double base)
-{
-    return log(x) / log(base);
-}
-
-long PowerInt(long x, long n)
-{
-    unsigned long p = 1;  // unsigned so that overflow wraps instead of being undefined
-    for (long i = 0; i < n; i++) p *= (unsigned long)x;
-    return (long)p;
-}
-
-long IntSqrt(long n)
-{
-    long root = 0;
-    for (long bit = 16384; bit != 0; bit >>= 1) {
-        long trial = root + bit;
-        long sq = trial * trial;
-        if (sq <= n) root = trial;
-        if (sq == n) return root;
-    }
-    return root;
-}
-
-double Factorial(int n)
-{
-    double f = 1.0;
-    for (int i = 2; i <= n; i++) f *= (double)i;
-    return f;
-}
 
 double BesselI0(double x)
 {
