@@ -5,7 +5,7 @@
 #
 #   scripts/lint.sh          every source file of the project
 #   scripts/lint.sh --core   only the program, the raster library, the numerics
-#                            the program uses (util/maths, util/regress), the
+#                            the program uses (util/timer, util/regress), the
 #                            fuzz targets and their tests (quicker)
 set -e
 cd "$(dirname "$0")/.."
@@ -20,7 +20,7 @@ mkdir -p build-lint/scope
 python3 - "$scope" <<'PY'
 import json, os, re, sys
 everything = sys.argv[1] != "--core"
-core = re.compile(r"^(app/.*|bitmap/.*|util/(maths|regress)\.cpp|fuzz/.*|tests/tools/.*"
+core = re.compile(r"^(app/.*|bitmap/.*|util/(timer|regress)\.cpp|fuzz/.*|tests/tools/.*"
                   r"|tests/test_(pixels|tga|resample|writer|maths|regress|engine|estimate"
                   r"|images|gui_commands)\.cpp)$")
 root = os.getcwd() + os.sep
