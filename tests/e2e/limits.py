@@ -69,12 +69,13 @@ for cid, data in lies:
           f"{status} {out!r} {err!r}")
     check(cid + " memory", sanitized or rss < 64 * 1024, f"peak resident size {rss} kB")
 
-# A machine without the memory: an 8192 x 8192 image (256 MB of bitmap, 2 MB
-# on disk) under a 192 MB address-space limit is refused with the message and
-# status of a failed load, not an abort. (Not under the address sanitizer,
-# which reserves terabytes of address space at start.)
+# A machine without the memory: a 16384 x 16384 image (256 MB of black/white
+# image in a quiet run, 8 MB on disk) under a 192 MB address-space limit is
+# refused with the message and status of a failed load, not an abort. (Not
+# under the address sanitizer, which reserves terabytes of address space at
+# start.)
 if not sanitized:
-    side = 8192
+    side = 16384
     row = (bytes([0xFF]) + bytes([255, 255, 255])) * (side // 128)
     path = write("large.tga", header(10, 24, side, side) + row * side)
     limit = 192 << 20
