@@ -4,6 +4,10 @@
 // only a few of them (a whole image only for a rotated or transposed
 // orientation). Every loader is told to fail on errors and truncation,
 // rather than fill in what is missing.
+//
+// The library is loaded with dlopen the first time a file needs it: linked
+// in, it and the hundred libraries it brings would cost every run, TGA
+// files and the window included, some 15 MB of memory and start-up time.
 #include "app/decode.h"
 
 #include <algorithm>
@@ -12,9 +16,30 @@
 #include <mutex>
 #include <vector>
 
+#include <dlfcn.h>
 #include <vips/vips.h>
 
 namespace {
+
+// The library's functions this file calls, found by name after dlopen.
+struct Vips {
+    decltype(&::vips_init) init;
+    decltype(&::vips_cache_set_max) cache_set_max;
+    decltype(&::g_log_set_handler) log_set_handler;
+    decltype(&::g_object_unref) unref;
+    decltype(&::vips_error_buffer) error_buffer;
+    decltype(&::vips_error_clear) error_clear;
+    decltype(&::vips_source_new_from_file) source_from_file;
+    decltype(&::vips_source_new_from_memory) source_from_memory;
+    decltype(&::vips_image_new_from_source) image_from_source;
+    decltype(&::vips_image_get_orientation) orientation;
+    decltype(&::vips_autorot) autorot;
+    decltype(&::vips_colourspace) colourspace;
+    decltype(&::vips_region_new) region_new;
+    decltype(&::vips_region_prepare) region_prepare;
+};
+Vips vips;
+std::string load_error;  // why the library could not be loaded, else empty
 
 struct Signature {
     const char *name;
@@ -44,28 +69,65 @@ bool pnm(const unsigned char *h, size_t n)
 
 void quiet_log(const char *, GLogLevelFlags, const char *, void *) {}
 
-void start_library(void)
+template <class F> bool find(void *lib, const char *name, F *f)
+{
+    *f = (F)dlsym(lib, name);
+    return *f != nullptr;
+}
+
+// Loads and starts the library once. False (load_error says why) when it
+// is not installed.
+bool start_library(void)
 {
     static std::once_flag once;
     std::call_once(once, [] {
-        vips_init("quorl");
-        vips_cache_set_max(0);  // keep no decoded images beyond their use
+        void *lib = dlopen(QUORL_VIPS_SONAME, RTLD_NOW | RTLD_LOCAL);
+        if (!lib || !find(lib, "vips_init", &vips.init) || !find(lib, "vips_cache_set_max", &vips.cache_set_max) ||
+            !find(lib, "g_log_set_handler", &vips.log_set_handler) || !find(lib, "g_object_unref", &vips.unref) ||
+            !find(lib, "vips_error_buffer", &vips.error_buffer) || !find(lib, "vips_error_clear", &vips.error_clear) ||
+            !find(lib, "vips_source_new_from_file", &vips.source_from_file) ||
+            !find(lib, "vips_source_new_from_memory", &vips.source_from_memory) ||
+            !find(lib, "vips_image_new_from_source", &vips.image_from_source) ||
+            !find(lib, "vips_image_get_orientation", &vips.orientation) || !find(lib, "vips_autorot", &vips.autorot) ||
+            !find(lib, "vips_colourspace", &vips.colourspace) || !find(lib, "vips_region_new", &vips.region_new) ||
+            !find(lib, "vips_region_prepare", &vips.region_prepare) || vips.init("quorl")) {
+            const char *e = dlerror();
+            load_error = std::string("the image decoding library ") + QUORL_VIPS_SONAME +
+                         " cannot be loaded (" + (e ? e : "it failed to start") +
+                         "); install libvips (Debian: libvips42)";
+            return;
+        }
+        vips.cache_set_max(0);  // keep no decoded images beyond their use
         // The library's warnings would go to standard error; every problem
         // that matters comes back as an error instead.
-        g_log_set_handler("VIPS", (GLogLevelFlags)(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_INFO),
-                          quiet_log, nullptr);
+        vips.log_set_handler("VIPS", (GLogLevelFlags)(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_INFO),
+                             quiet_log, nullptr);
     });
+    return load_error.empty();
 }
 
 struct Unref {
-    void operator()(void *p) const { if (p) g_object_unref(p); }
+    void operator()(void *p) const { if (p) vips.unref(p); }
 };
+
+const char *sample_kind(VipsBandFormat f)
+{
+    switch (f) {
+    case VIPS_FORMAT_CHAR: return "signed 8-bit";
+    case VIPS_FORMAT_SHORT: return "signed 16-bit";
+    case VIPS_FORMAT_UINT: return "32-bit";
+    case VIPS_FORMAT_INT: return "signed 32-bit";
+    case VIPS_FORMAT_FLOAT: case VIPS_FORMAT_DOUBLE: return "floating-point";
+    case VIPS_FORMAT_COMPLEX: case VIPS_FORMAT_DPCOMPLEX: return "complex";
+    default: return "unknown";
+    }
+}
 
 // The library's error text, made into one short reason for the user.
 std::string reason(const char *format)
 {
-    std::string text = vips_error_buffer();
-    vips_error_clear();
+    std::string text = vips.error_buffer();
+    vips.error_clear();
     std::string lower = text;
     std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return (char)tolower(c); });
     const std::string kind = std::string("this ") + format + " file";
@@ -110,10 +172,10 @@ void to_rgba(const unsigned char *src, int width, int bands, bool wide, BitmapPi
 
 VipsImage *open_image(const char *name, const void *data, size_t size, VipsAccess access)
 {
-    VipsSource *src = name ? vips_source_new_from_file(name) : vips_source_new_from_memory(data, size);
+    VipsSource *src = name ? vips.source_from_file(name) : vips.source_from_memory(data, size);
     if (!src) return nullptr;
-    VipsImage *im = vips_image_new_from_source(src, "", "access", access, "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
-    g_object_unref(src);
+    VipsImage *im = vips.image_from_source(src, "", "access", access, "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
+    vips.unref(src);
     return im;
 }
 
@@ -130,7 +192,7 @@ const char *DecodeFormatName(const unsigned char *head, size_t n)
 
 int DecodeImage(const char *name, const void *data, size_t size, const DecodeSink *sink, std::string *why)
 {
-    start_library();
+    if (!start_library()) return *why = load_error, DECODE_FAILED;
     unsigned char head[16] = {0};
     size_t got = 0;
     if (name) {
@@ -150,43 +212,44 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
 
     // Orientations 5 to 8 swap the axes: only the whole image can be turned.
     // 2 to 4 are mirror images, done here row by row.
-    int orientation = vips_image_get_orientation(im.get());
+    int orientation = vips.orientation(im.get());
     if (orientation >= 5 && orientation <= 8) {
         im.reset(open_image(name, data, size, VIPS_ACCESS_RANDOM));
         VipsImage *turned = nullptr;
-        if (!im || vips_autorot(im.get(), &turned, nullptr)) return *why = reason(format), DECODE_FAILED;
+        if (!im || vips.autorot(im.get(), &turned, nullptr)) return *why = reason(format), DECODE_FAILED;
         im.reset(turned);
         orientation = 1;
     }
     const bool mirror = orientation == 2 || orientation == 3, upright = orientation == 3 || orientation == 4;
 
-    const VipsInterpretation in = vips_image_get_interpretation(im.get());
+    const VipsInterpretation in = im->Type;
     if (in == VIPS_INTERPRETATION_CMYK || in == VIPS_INTERPRETATION_LAB || in == VIPS_INTERPRETATION_LABS ||
         in == VIPS_INTERPRETATION_XYZ) {
         VipsImage *rgb = nullptr;
-        if (vips_colourspace(im.get(), &rgb, VIPS_INTERPRETATION_sRGB, nullptr))
+        if (vips.colourspace(im.get(), &rgb, VIPS_INTERPRETATION_sRGB, nullptr))
             return *why = reason(format), DECODE_FAILED;
         im.reset(rgb);
     }
-    const VipsBandFormat bf = vips_image_get_format(im.get());
-    const int bands = vips_image_get_bands(im.get());
+    const VipsBandFormat bf = im->BandFmt;
+    const int bands = im->Bands;
     if ((bf != VIPS_FORMAT_UCHAR && bf != VIPS_FORMAT_USHORT) || bands < 1 || bands > 4) {
         *why = "unsupported kind of " + std::string(format) + " file: " + std::to_string(bands) + " channel(s) of " +
-               vips_enum_nick(VIPS_TYPE_BAND_FORMAT, bf) + " samples (expected 1 to 4 channels of 8 or 16 bits)";
+               sample_kind(bf) + " samples (expected 1 to 4 channels of 8 or 16 bits)";
         return DECODE_FAILED;
     }
     const bool wide = bf == VIPS_FORMAT_USHORT;
-    const int w = vips_image_get_width(im.get()), h = vips_image_get_height(im.get());
+    const int w = im->Xsize, h = im->Ysize;
     if (!sink->begin(sink->ctx, w, h, bands * (wide ? 16 : 8))) return DECODE_NOMEMORY;
 
-    std::unique_ptr<VipsRegion, Unref> region(vips_region_new(im.get()));
+    std::unique_ptr<VipsRegion, Unref> region(vips.region_new(im.get()));
     std::vector<BitmapPixel> row((size_t)w);
     const int strip = std::max(1, std::min(64, (1 << 20) / std::max(1, w)));
     for (int top = 0; top < h; top += strip) {
         VipsRect r = {0, top, w, std::min(strip, h - top)};
-        if (vips_region_prepare(region.get(), &r)) return *why = reason(format), DECODE_FAILED;
+        if (vips.region_prepare(region.get(), &r)) return *why = reason(format), DECODE_FAILED;
         for (int j = top; j < r.top + r.height; j++) {
-            to_rgba((const unsigned char *)VIPS_REGION_ADDR(region.get(), 0, j), w, bands, wide, row.data());
+            const VipsRegion *g = region.get();
+            to_rgba(g->data + (size_t)(j - g->valid.top) * VIPS_REGION_LSKIP(g), w, bands, wide, row.data());
             if (mirror) std::reverse(row.begin(), row.end());
             sink->row(sink->ctx, upright ? j : h - 1 - j, row.data());
         }
