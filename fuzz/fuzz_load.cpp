@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "app/decode.h"
 #include "app/load.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -27,12 +28,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     }
     const std::string name = "/proc/self/fd/" + std::to_string(fd);
+    // Other formats: their size first, from a decode that stops at the header.
+    int wh[2] = {0, 0}, w = 0, h = 0;
+    std::string why;
+    const DecodeSink probe = {[](void *ctx, int width, int height, int) {
+                                  ((int *)ctx)[0] = width, ((int *)ctx)[1] = height;
+                                  return 0;
+                              }, nullptr, wh};
+    if (DecodeFormatName(data, size) && DecodeImage(name.c_str(), nullptr, 0, &probe, &why) == DECODE_NOMEMORY &&
+        (long long)wh[0] * wh[1] > (1 << 24)) {
+        close(fd);
+        return 0;
+    }
     Options o{};
     ExtraOptions x;
     x.threshold = kThresholdOtsu;
     unsigned char *bw = nullptr;
-    int w = 0, h = 0;
-    std::string why;
     if (LoadBlackWhite(name.c_str(), &o, &x, &bw, &w, &h, &why) == LOAD_OK) free(bw);
     close(fd);
     return 0;
