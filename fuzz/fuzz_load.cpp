@@ -17,9 +17,10 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     // Headers that claim more than 2^24 pixels are allocation tests, which
-    // the end-to-end tests cover; skip them by size rather than let them
-    // reach the allocator limit.
-    if (size >= 18 && data[0] != 0x89 && (size_t)(data[12] | data[13] << 8) * (data[14] | data[15] << 8) > (1u << 24))
+    // the end-to-end tests cover; skip them rather than let them reach the
+    // allocator limit. TGA files (all that have no signature) first.
+    if (size >= 16 && !DecodeFormatName(data, size) &&
+        (size_t)(data[12] | data[13] << 8) * (data[14] | data[15] << 8) > (1u << 24))
         return 0;
     const int fd = memfd_create("fuzz.img", 0);
     if (fd < 0) return 0;
