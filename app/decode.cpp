@@ -141,27 +141,24 @@ std::string reason(const char *format)
     return kind + " is damaged and cannot be decoded" + (first.empty() ? "" : " (" + first + ")");
 }
 
-// Converts one row of the library's pixels (1 to 4 bands of 8 or 16 bits)
-// into RGBA, alpha flattened onto white.
-void to_rgba(const unsigned char *src, int width, int bands, bool wide, BitmapPixel *out)
+// Converts one row of the library's pixels (B bands of 8 or, WIDE, 16 bits)
+// into RGBA, alpha flattened onto white. One copy per layout, so that the
+// common ones (8-bit grey and RGB) run without per-pixel branches.
+template <int B, bool WIDE> void convert(const unsigned char *src, int width, BitmapPixel *out)
 {
     for (int x = 0; x < width; x++) {
-        int v[4];
-        for (int b = 0; b < bands; b++) {
+        int v[B];
+        for (int b = 0; b < B; b++) {
             // 16-bit samples in the host's order: keep the high byte
-            v[b] = wide ? ((const unsigned short *)src)[(size_t)x * bands + b] >> 8 : src[(size_t)x * bands + b];
+            v[b] = WIDE ? ((const unsigned short *)src)[(size_t)x * B + b] >> 8 : src[(size_t)x * B + b];
         }
-        int r, g, bl, a = 255;
-        if (bands <= 2) {
-            r = g = bl = v[0];
-            if (bands == 2) a = v[1];
-        } else {
-            r = v[0];
+        int r = v[0], g = v[0], bl = v[0];
+        if constexpr (B >= 3) {
             g = v[1];
             bl = v[2];
-            if (bands == 4) a = v[3];
         }
-        if (a != 255) {  // what a viewer shows: the pixel over white
+        if constexpr (B == 2 || B == 4) {
+            const int a = v[B - 1];  // what a viewer shows: the pixel over white
             r = (r * a + 255 * (255 - a) + 127) / 255;
             g = (g * a + 255 * (255 - a) + 127) / 255;
             bl = (bl * a + 255 * (255 - a) + 127) / 255;
@@ -169,6 +166,10 @@ void to_rgba(const unsigned char *src, int width, int bands, bool wide, BitmapPi
         out[x] = BitmapPixel{(unsigned char)r, (unsigned char)g, (unsigned char)bl, 255};
     }
 }
+
+using Converter = void (*)(const unsigned char *, int, BitmapPixel *);
+const Converter converters[2][4] = {{convert<1, false>, convert<2, false>, convert<3, false>, convert<4, false>},
+                                    {convert<1, true>, convert<2, true>, convert<3, true>, convert<4, true>}};
 
 VipsImage *open_image(const char *name, const void *data, size_t size, VipsAccess access)
 {
@@ -241,6 +242,7 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     const int w = im->Xsize, h = im->Ysize;
     if (!sink->begin(sink->ctx, w, h, bands * (wide ? 16 : 8))) return DECODE_NOMEMORY;
 
+    const Converter to_rgba = converters[wide][bands - 1];
     std::unique_ptr<VipsRegion, Unref> region(vips.region_new(im.get()));
     std::vector<BitmapPixel> row((size_t)w);
     const int strip = std::max(1, std::min(64, (1 << 20) / std::max(1, w)));
@@ -249,7 +251,7 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
         if (vips.region_prepare(region.get(), &r)) return *why = reason(format), DECODE_FAILED;
         for (int j = top; j < r.top + r.height; j++) {
             const VipsRegion *g = region.get();
-            to_rgba(g->data + (size_t)(j - g->valid.top) * VIPS_REGION_LSKIP(g), w, bands, wide, row.data());
+            to_rgba(g->data + (size_t)(j - g->valid.top) * VIPS_REGION_LSKIP(g), w, row.data());
             if (mirror) std::reverse(row.begin(), row.end());
             sink->row(sink->ctx, upright ? j : h - 1 - j, row.data());
         }

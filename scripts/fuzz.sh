@@ -37,5 +37,7 @@ run() {
 }
 
 run tga $((total / 2))
-run load $((total / 4))
+# libvips may set aside a whole image on opening a small file whose header
+# claims a large one (WebP does): a bounded allocation, not a fault.
+run load $((total / 4)) -malloc_limit_mb=2048
 run cmdline $((total - total / 2 - total / 4)) -dict=fuzz/cmdline.dict
