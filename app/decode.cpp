@@ -147,7 +147,7 @@ std::string reason(const char *format)
 template <int B, bool WIDE> void convert(const unsigned char *src, int width, BitmapPixel *out)
 {
     for (int x = 0; x < width; x++) {
-        int v[B];
+        int v[B] = {};
         for (int b = 0; b < B; b++) {
             // 16-bit samples in the host's order: keep the high byte
             v[b] = WIDE ? ((const unsigned short *)src)[(size_t)x * B + b] >> 8 : src[(size_t)x * B + b];
@@ -186,7 +186,7 @@ const char *DecodeFormatName(const unsigned char *head, size_t n)
 {
     for (const Signature &s : signatures)
         if (n >= s.at + s.n && !memcmp(head + s.at, s.bytes, s.n) &&
-            (strcmp(s.name, "WebP") || !memcmp(head, "RIFF", 4)))
+            (strcmp(s.name, "WebP") != 0 || !memcmp(head, "RIFF", 4)))
             return s.name;
     return pnm(head, n) ? "PNM" : nullptr;
 }

@@ -19,7 +19,7 @@ namespace {
 
 // The largest input read into memory: a 65535 x 65535 TGA file of 32-bit
 // run-length packets of one pixel each, with its header, ID and colour map.
-constexpr uint64_t max_input = 5ull * 65535 * 65535 + 18 + 255 + 4 * 65536;
+constexpr uint64_t max_input = 5ull * 65535 * 65535 + 18 + 255 + 4ull * 65536;
 
 struct FileCloser {
     void operator()(FILE *f) const { fclose(f); }
@@ -103,6 +103,7 @@ void not_tga(const Source &s, std::string *why)
 // Rows into the black/white image: thresholded at once, or (Otsu) stored as
 // grey levels and counted, to be thresholded when the histogram is whole.
 struct BwRows {
+    // cppcheck-suppress unsafeClassCanLeak ; LoadBlackWhite hands bw on or frees it
     unsigned char *bw = nullptr;
     int w = 0, h = 0;
     ThresholdRule rule{kThresholdFixed, 0};
