@@ -1,16 +1,18 @@
 // app/images.cpp - loading, the blank image, and the working images.
 #include "app/images.h"
 
+#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "app/hugepages.h"
+#include "app/load.h"
 #include "app/options.h"
 #include "bitmap/resample.h"
-#include "bitmap/tga.h"
 
 BitmapPixel *image = nullptr;
 BitmapPixel *viewimage = nullptr;
@@ -18,11 +20,6 @@ BitmapPixel *viewimage = nullptr;
 void (*images_screensize)(int *width, int *height) = nullptr;
 
 namespace {
-
-struct FileCloser {
-    void operator()(FILE *f) const { fclose(f); }
-};
-using File = std::unique_ptr<FILE, FileCloser>;
 
 const BitmapPixel white = {255, 255, 255, 255};
 
@@ -73,63 +70,97 @@ void make_screen_copy(void)
     options.invert = 0;
 }
 
-// Writes dark where a pixel is black, else 255 - dark. Branch-free in 16-bit
-// arithmetic so that the compiler does many pixels at a time: a black pixel
-// has every channel below 128, and then the sum of squares (at most 48387)
-// fits 16 bits. Returns the AND of all bytes written, whose high bit is clear
-// once any is black. On x86-64 a second copy uses AVX2 where the processor
-// has it, which makes this about twice as fast.
-#if defined(__x86_64__) && defined(__GNUC__)
-[[gnu::target_clones("avx2", "default")]]
-#endif
-unsigned char threshold(const BitmapPixel *__restrict px, unsigned char *__restrict out, size_t n,
-                        unsigned char dark)
+}  // namespace
+
+namespace {
+
+// The lines that follow a failed load: "Image read failed" and, for a file
+// that is not TGA, why.
+void say_failed(LoadStatus status, const std::string &why)
 {
-    const unsigned char light = 255 - dark;
-    unsigned char all = 255;
-    for (size_t i = 0; i < n; i++) {
-        const uint16_t r = px[i].r, g = px[i].g, b = px[i].b;
-        const uint16_t s = (uint16_t)(r * r + g * g + b * b);
-        const unsigned char v = (((r | g | b) < 128) & (s < 16384)) ? dark : light;
-        out[i] = v;
-        all &= v;
+    if (status == LOAD_NO_MEMORY) {
+        fprintf(stderr, "   Failed to create image\n");
+        return;
     }
-    return all;
+    fprintf(stderr, "   Image read failed\n");
+    if (!why.empty()) fprintf(stderr, "   %c%s\n", toupper((unsigned char)why[0]), why.c_str() + 1);
+}
+
+bool name_fits(const char *name)
+{
+    if (strlen(name) < sizeof options.filename) return true;
+    fprintf(stderr, "File name too long (%zu characters, at most %zu): \"%.40s...\"\n", strlen(name),
+            sizeof options.filename - 1, name);
+    return false;
+}
+
+void say_otsu(int level)
+{
+    if (level >= 0) fprintf(stderr, "Threshold by Otsu's method: grey level %d (black at or below)\n", level);
 }
 
 }  // namespace
 
 int LoadTGA(const char *name)
 {
-    if (strlen(name) >= sizeof options.filename) {
-        fprintf(stderr, "File name too long (%zu characters, at most %zu): \"%.40s...\"\n",
-                strlen(name), sizeof options.filename - 1, name);
-        return 0;
-    }
+    if (!name_fits(name)) return 0;
     if (!options.quiet) fprintf(stderr, "Reading file \"%s\"\n", name);
 
-    File f(fopen(name, "rb"));
-    if (!f) {
+    std::string why;
+    LoadInfo info;
+    const LoadStatus status = LoadRGBA(name, &image, &why, &info);
+    if (status == LOAD_NO_FILE) {
         fprintf(stderr, "Failed to open file \"%s\"\n", name);
         return 0;
     }
-    TGA_Info(f.get(), &options.imagewidth, &options.imageheight, &options.imagedepth);
-    if (!options.quiet)
-        fprintf(stderr, "   Image dimensions: %d x %d x %d\n", options.imagewidth,
-                options.imageheight, options.imagedepth);
-
-    Destroy_Bitmap(image);
-    image = Create_Bitmap(options.imagewidth, options.imageheight);
-    if (!image) {
-        fprintf(stderr, "   Failed to create image\n");
+    options.imagewidth = info.width;
+    options.imageheight = info.height;
+    options.imagedepth = info.depth;
+    if (!options.quiet && info.has_size)
+        fprintf(stderr, "   Image dimensions: %d x %d x %d\n", options.imagewidth, options.imageheight,
+                options.imagedepth);
+    if (status != LOAD_OK) {
+        say_failed(status, why);
         return 0;
     }
     AskHugePages(image, sizeof(BitmapPixel) * (size_t)options.imagewidth * options.imageheight);
-    if (TGA_Read(f.get(), image, &options.imagewidth, &options.imageheight) != TGA_OK) {
-        fprintf(stderr, "   Image read failed\n");
+    if (name != options.filename) snprintf(options.filename, sizeof options.filename, "%s", name);
+    return 1;
+}
+
+int LoadBlackWhiteImage(const char *name)
+{
+    if (!name_fits(name)) return 0;
+    if (!options.quiet) fprintf(stderr, "Reading file \"%s\"\n", name);
+
+    unsigned char *bw;
+    int w, h;
+    std::string why;
+    LoadInfo info;
+    const LoadStatus status = LoadBlackWhite(name, &options, &extras, &bw, &w, &h, &why, &info);
+    if (status == LOAD_NO_FILE) {
+        fprintf(stderr, "Failed to open file \"%s\"\n", name);
         return 0;
     }
+    options.imagedepth = info.depth;
+    if (!options.quiet && info.has_size)
+        fprintf(stderr, "   Image dimensions: %d x %d x %d\n", info.width, info.height, info.depth);
+    if (status != LOAD_OK) {
+        say_failed(status, why);
+        return 0;
+    }
+    AskHugePages(bw, (size_t)w * h);
+    SetAnalysisImage(CurrentAnalysis(), bw, w, h);
     if (name != options.filename) snprintf(options.filename, sizeof options.filename, "%s", name);
+    say_otsu(info.otsu_level);
+    if (!info.has_black) fprintf(stderr, "Warning, image contains no black\n");
+    if (!options.useregion) {
+        options.left = 0;
+        options.right = 100000;
+        options.top = 100000;
+        options.bottom = 0;
+    }
+    BoxCount(0);
     return 1;
 }
 
@@ -155,7 +186,10 @@ int ThresholdImage(void)
     bwimage = bw;
     AskHugePages(bw, n);
 
-    return threshold(image, bw, n, options.invert ? 255 : 0) < 128;
+    int level;
+    const int black = ThresholdByRule(image, n, &options, &extras, bw, &level);
+    say_otsu(level);
+    return black;
 }
 
 int UpdateImages(void)

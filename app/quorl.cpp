@@ -33,16 +33,17 @@ int main(int argc, char **argv)
 #endif
     }
 
-    if (args.name && *args.name) {
+    if (options.quiet && args.name && *args.name) {
+        if (!LoadBlackWhiteImage(args.name)) exit(-1);  // it has said why
+    } else if (args.name && *args.name) {
         if (!LoadTGA(args.name)) {
-            if (options.quiet) exit(-1);  // LoadTGA has said why
             fprintf(stderr, "Creating blank image\n");
             MakeTestImage();
         }
     } else {
         MakeTestImage();
     }
-    UpdateImages();
+    if (!options.quiet || !args.name || !*args.name) UpdateImages();
     BoxCount(0);
 
 #ifdef QUORL_GUI

@@ -30,9 +30,21 @@ enum {
 // hold width*height pixels as TGA_Info reported. width and height are stored
 // as soon as the header is read, even on failure. Returns 0 or a code above;
 // checks run in the order type, depth, map type. Run-length packets never
-// write past width*height pixels. Rows stored top-down are flipped so the
+// write past width*height pixels. A header that declares no pixels needs
+// no bytes after its 17th. Rows stored top-down are flipped so the
 // result is always bottom-up.
 int TGA_Read(FILE *fptr, BitmapPixel *image, int *width, int *height);
+
+// Receives one decoded row of a TGA_ReadRows read: width pixels, for
+// bitmap row y (counted from the bottom, as TGA_Read would store it).
+typedef void (*TGA_RowFunc)(void *ctx, int y, const BitmapPixel *row);
+
+// Reads a TGA file as TGA_Read does, with the same checks, codes and
+// results, but never holds more than a few rows: each row goes to
+// row(ctx, y, pixels) as soon as it is decoded, in the file's order (so
+// top-down files give y from the top). On failure the rows handed on so far
+// are all there is.
+int TGA_ReadRows(FILE *fptr, int *width, int *height, TGA_RowFunc row, void *ctx);
 
 // Converts one TGA value of 1 to 4 bytes (grey; 16-bit ARRRRRGG GGGBBBBB
 // little-endian; BGR; BGRA) into *dst. Other byte counts write nothing.

@@ -38,14 +38,16 @@ install(FILES ${PROJECT_SOURCE_DIR}/examples/carpet.tga ${PROJECT_SOURCE_DIR}/ex
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/imagestats DESTINATION ${QUORL_DOCDIR}/examples)
 
 # Debian package: one package "quorl" with the program, the libraries and
-# their development files. Library dependencies come from dpkg-shlibdeps.
+# their development files. Library dependencies come from dpkg-shlibdeps;
+# libvips (the decoder of every format but TGA) is named too, so that the
+# package states it even where shlibdeps is not run.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quorl)
 set(CPACK_PACKAGE_VENDOR "Quorl")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "box-counting fractal dimension of TGA images")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "box-counting fractal dimension of raster images")
 set(CPACK_PACKAGE_DESCRIPTION "Quorl estimates the box-counting (fractal) dimension of the \
-black pixels of a TGA image, interactively in an OpenGL window with option and graph \
+black pixels of an image (TGA, PNG, TIFF, JPEG, BMP, PNM, GIF or WebP), interactively in an OpenGL window with option and graph \
 panels, or quietly from the command line. The package also holds the static raster \
 image and utility libraries the program is built on, with their headers, pkg-config \
 files and a CMake package.")
@@ -53,6 +55,7 @@ set(CPACK_PACKAGE_CONTACT "Quorl maintainers <quorl@example.org>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libvips42 (>= 8.12)")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 # `make package_source`: the sources without build trees or caches.
