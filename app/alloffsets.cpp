@@ -15,14 +15,14 @@
 
 namespace {
 
-// Offsets from 0 that give distinct grids. Once s exceeds the extent n, the
-// offsets 0 .. s-n all lay one box over the whole extent, so only 0 and
-// s-n+1 .. s-1 need counting.
-struct Offsets {
-    int s, n;
-    int count() const { return s < n ? s : n; }
-    int at(int i) const { return i == 0 || s <= n ? i : s - n + i; }
-};
+// How many offsets along an axis of extent n need counting. Once s reaches
+// n, offset 0 lays one box over the whole extent, and no other offset can
+// occupy fewer boxes: each band (or column) that holds black still holds a
+// box, so offset 0 alone gives the minimum.
+inline int offsets_to_count(int s, int n)
+{
+    return s < n ? s : 1;
+}
 
 // prefix[0..w] over the band of rows [ya, yb) of columns [left, left + w).
 void band_prefix(const BlackTable *t, const unsigned char *bw, long width, int left, int w, int ya, int yb,
@@ -58,34 +58,32 @@ int MinBoxCount(const BlackTable *t, const unsigned char *bw, int width, int lef
     *ox = *oy = 0;
     if (s < 1 || left >= right || bottom >= top) return 0;
     const int w = right - left;
-    const Offsets xs{s, w}, ys{s, top - bottom};
+    const int nx = offsets_to_count(s, w), ny = offsets_to_count(s, top - bottom);
     std::vector<uint32_t> prefix((size_t)w + 1);
-    std::vector<long long> count((size_t)xs.count());
+    std::vector<long long> count((size_t)nx);
     long long best = LLONG_MAX;
 
-    for (int j = 0; j < ys.count(); j++) {
-        const int dy = ys.at(j);
+    for (int dy = 0; dy < ny; dy++) {
         std::fill(count.begin(), count.end(), 0);
         for (long long y0 = (long long)bottom - dy; y0 < top; y0 += s) {
             const int ya = (int)std::max<long long>(y0, bottom), yb = (int)std::min<long long>(y0 + s, top);
             band_prefix(t, bw, width, left, w, ya, yb, prefix.data());
             if (prefix[w] == 0) continue;  // no black in the band: no box of it counts
             const uint32_t *p = prefix.data();
-            for (int i = 0; i < xs.count(); i++) {
+            for (int dx = 0; dx < nx; dx++) {
                 // Box edges relative to left: 0, s - dx, 2s - dx, ..., w.
-                const long long dx = xs.at(i);
                 long long c = 0, prev = 0;
-                for (long long k = s - dx; k < w; k += s) {
+                for (long long k = (long long)s - dx; k < w; k += s) {
                     c += p[k] != p[prev];
                     prev = k;
                 }
-                count[i] += c + (p[w] != p[prev]);
+                count[dx] += c + (p[w] != p[prev]);
             }
         }
-        for (int i = 0; i < xs.count(); i++) {
-            if (count[i] < best) {
-                best = count[i];
-                *ox = xs.at(i);
+        for (int dx = 0; dx < nx; dx++) {
+            if (count[dx] < best) {
+                best = count[dx];
+                *ox = dx;
                 *oy = dy;
             }
         }

@@ -110,7 +110,7 @@ void draw(cairo_t *cr, const FitSummary *f)
     frame(cr, x, y, 6, true);
     text(cr, (kLeft + kRight) / 2, kMainBottom + 32, "ln(1/s)", 0.5, 12);
     cairo_save(cr);
-    cairo_move_to(cr, 22, (kMainTop + kMainBottom) / 2);
+    cairo_translate(cr, 22, (kMainTop + kMainBottom) / 2);
     cairo_rotate(cr, -M_PI / 2);
     text(cr, 0, 0, "ln N(s)", 0.5, 12);
     cairo_restore(cr);
