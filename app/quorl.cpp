@@ -26,6 +26,8 @@ int main(int argc, char **argv)
     ParseCommandLine(argc, argv, &args);
 
     if (!options.quiet) {
+        if (!extras.json.empty() || !extras.plot.empty())
+            fprintf(stderr, "Warning, --json and --plot write their files after quiet runs only; add -q\n");
         UseProgressLines(CurrentAnalysis());
 #ifdef QUORL_GUI
         StartInteractive(argc, argv);
