@@ -87,8 +87,8 @@ int SaveReports(const Analysis *a)
     if (!x->json.empty()) {
         const std::string text = JsonReport(a, &fit);
         const bool out = x->json == "-";
-        FILE *f = out ? stdout : fopen(x->json.c_str(), "w");
         errno = 0;
+        FILE *f = out ? stdout : fopen(x->json.c_str(), "w");
         if (!f || fwrite(text.data(), 1, text.size(), f) != text.size() || fflush(f) != 0 || ferror(f) ||
             (!out && fclose(f) != 0)) {
             fprintf(stderr, "Failed to write the JSON report to %s: %s\n",
