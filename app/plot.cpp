@@ -17,6 +17,8 @@
 #endif
 #endif
 #ifdef QUORL_LEAK_CHECKED
+// The sanitizer looks for this name.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" const char *__lsan_default_suppressions()
 {
     return "leak:libfontconfig.so\n";
