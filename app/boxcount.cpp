@@ -8,6 +8,9 @@
 // analysis costs about as much as reading the image.
 #include "app/boxcount.h"
 
+#include "app/alloffsets.h"
+
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
@@ -75,8 +78,10 @@ inline int edge(int corner, int s)
     return __builtin_add_overflow(corner, s, &e) ? (s > 0 ? INT_MAX : INT_MIN) : e;
 }
 
-int start_size(const Options *o)
+int start_size(const Analysis *a)
 {
+    const Options *o = a->opt;
+    if (!a->ext->sizes.empty()) return a->ext->sizes.front();
     if (o->boxstart >= 0) return o->boxstart;
     const long long w = (long long)o->right - o->left;
     const long long h = (long long)o->top - o->bottom;
@@ -164,6 +169,44 @@ int fail(Analysis *a)
     return 1;
 }
 
+// Sets boxsize to the size after s in a pass; false when the pass is over.
+// A size list gives its next smaller entry; otherwise s / boxfactor.
+bool next_size(Analysis *a, int s)
+{
+    const std::vector<int> &list = a->ext->sizes;
+    if (!list.empty()) {
+        auto next = std::find_if(list.begin(), list.end(), [s](int v) { return v < s; });
+        a->boxsize = next == list.end() ? 0 : *next;
+        return next != list.end();
+    }
+    int n = (int)((float)s / a->opt->boxfactor);  // single precision, truncated
+    if (n == s) n = s - 1;                        // a factor barely above 1 still progresses
+    a->boxsize = n;
+    return !(n < a->opt->boxend || n < 1);
+}
+
+// --offsets all: one pass in which each size's count is the smallest over
+// every grid offset, found at once from the black-pixel table. The offset
+// left in the record is the first that gives that count.
+int count_all_offsets(Analysis *a)
+{
+    const Options *o = a->opt;
+    const BlackTable *t = table_matches(a) ? &a->table : nullptr;
+    for (;;) {
+        const int s = a->boxsize;
+        a->results[a->nresults - 1].count =
+            MinBoxCount(t, a->bw, o->imagewidth, o->left, o->right, o->bottom, o->top, s, &a->offsetx,
+                        &a->offsety);
+        a->nboxlist = 0;
+        if (a->hooks.grid_done) a->hooks.grid_done(a);
+        if (!next_size(a, s)) break;
+        if (a->hooks.between) a->hooks.between(a);
+        if (!append(a->results, a->nresults, a->resultslength, BoxResult{a->boxsize, 0, 0})) return fail(a);
+    }
+    if (a->hooks.finished) a->hooks.finished(a);
+    return 1;
+}
+
 // The grid of size s is complete: report it, then set up the next grid, the
 // next pass, or finish (returns 1).
 [[gnu::noinline]] int end_grid(Analysis *a, int s)
@@ -172,15 +215,12 @@ int fail(Analysis *a)
     a->nboxlist = 0;
     if (a->hooks.grid_done) a->hooks.grid_done(a);
 
-    int n = (int)((float)s / o->boxfactor);  // single precision, truncated
-    if (n == s) n = s - 1;                   // a factor barely above 1 still progresses
-    a->boxsize = n;
-    if (n < o->boxend || n < 1) {
+    if (!next_size(a, s)) {
         if (a->noffset >= o->nsamples) {
             if (a->hooks.finished) a->hooks.finished(a);
             return 1;
         }
-        a->boxsize = start_size(o);
+        a->boxsize = start_size(a);
         a->noffset++;
     }
     if (a->hooks.between) a->hooks.between(a);
@@ -288,7 +328,7 @@ int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
     seed48(a, a->seed);
     draw_offset(a);  // from the previous boxsize, before the new start size is set
     a->noffset = 1;
-    a->boxsize = start_size(o);
+    a->boxsize = start_size(a);
     a->nresults = a->resultslength = 0;  // reallocated to one entry
     if (!append(a->results, a->nresults, a->resultslength, BoxResult{a->boxsize, 0, 0})) fail(a);
     a->cycles = 0;
@@ -299,7 +339,10 @@ int StepAnalysis(Analysis *a, int mode)
 {
     if (mode == 0) return ResetAnalysis(a);
     if (a->failed) return 1;
-    if (a->cycles == 0 && mode == 1 && a->hooks.started) a->hooks.started(a);
+    if (a->cycles == 0) {
+        if (mode == 1 && a->hooks.started) a->hooks.started(a);
+        if (a->ext->offsets_all) return a->cycles++, count_all_offsets(a);
+    }
     a->cycles++;
 
     // The one box of this step; everything else here is rare.

@@ -130,7 +130,9 @@ int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h);
 // given, else from the clock) and draws the first offset from the size held
 // until now. Returns 0.
 int ResetAnalysis(Analysis *a);
-// One step, as BoxCount(mode).
+// One step, as BoxCount(mode). With ext->sizes a pass counts exactly the
+// listed sizes; with ext->offsets_all the first step counts one pass, each
+// size's count the smallest over every grid offset, and finishes.
 int StepAnalysis(Analysis *a, int mode);
 // Steps to the end; returns 1 when finished, 0 when the analysis cannot
 // finish (a start size below 1 never leaves its first row) or failed.

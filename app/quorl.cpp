@@ -6,7 +6,9 @@
 #include <cstring>
 
 #include "app/boxcount.h"
+#include "app/crop.h"
 #include "app/estimate.h"
+#include "app/fit.h"
 #include "app/images.h"
 #include "app/options.h"
 #include "app/progress.h"
@@ -24,6 +26,8 @@ int main(int argc, char **argv)
     ParseCommandLine(argc, argv, &args);
 
     if (!options.quiet) {
+        if (!extras.json.empty() || !extras.plot.empty())
+            fprintf(stderr, "Warning, --json and --plot write their files after quiet runs only; add -q\n");
         UseProgressLines(CurrentAnalysis());
 #ifdef QUORL_GUI
         StartInteractive(argc, argv);
@@ -44,6 +48,10 @@ int main(int argc, char **argv)
         MakeTestImage();
     }
     if (!options.quiet || !args.name || !*args.name) UpdateImages();
+    if (extras.crop && CropToBlack(CurrentAnalysis())) {
+        args.left = options.left, args.right = options.right, args.bottom = options.bottom, args.top = options.top;
+        BoxCount(0);  // the start size follows the new region, as if it had been given
+    }
     BoxCount(0);
 
 #ifdef QUORL_GUI
@@ -61,11 +69,14 @@ int main(int argc, char **argv)
     while (!BoxCount(1)) {
     }
     ExitIfAnalysisFailed(CurrentAnalysis());
-    SaveResults();
-    printf("Estimated fractal dimension: %6.3f", CalcSlope());
-    if (options.useregion)
-        printf(" in region: %d %d to %d %d\n", args.left, args.bottom, args.right, args.top);
-    printf("\n");
+    if (extras.json != "-") {
+        SaveResults();
+        printf("Estimated fractal dimension: %6.3f", FittedSlope(CurrentAnalysis()));
+        if (options.useregion)
+            printf(" in region: %d %d to %d %d\n", args.left, args.bottom, args.right, args.top);
+        printf("\n");
+    }
+    if (!SaveReports(CurrentAnalysis())) return -1;
     if (fflush(stdout) != 0 || ferror(stdout)) {
         fprintf(stderr, "Failed to write the estimate to standard output: %s\n",
                 strerror(errno ? errno : EIO));

@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "app/boxcount.h"
+#include "app/fit.h"
+#include "app/plot.h"
+#include "app/report.h"
 
 const char *(*results_choosefile)(const char *prompt) = nullptr;
 
@@ -72,4 +75,31 @@ void SaveResults(void)
     if (!failed && !closefailed) return;
     if (!failed) err = errno;
     fprintf(stderr, "Failed to write results file \"%s\": %s\n", name, strerror(err ? err : EIO));
+}
+
+int SaveReports(const Analysis *a)
+{
+    const ExtraOptions *x = a->ext;
+    if (x->json.empty() && x->plot.empty()) return 1;
+    FitSummary fit;
+    SummariseFit(a, &fit);
+    int ok = 1;
+    if (!x->json.empty()) {
+        const std::string text = JsonReport(a, &fit);
+        const bool out = x->json == "-";
+        errno = 0;
+        FILE *f = out ? stdout : fopen(x->json.c_str(), "w");
+        if (!f || fwrite(text.data(), 1, text.size(), f) != text.size() || fflush(f) != 0 || ferror(f) ||
+            (!out && fclose(f) != 0)) {
+            fprintf(stderr, "Failed to write the JSON report to %s: %s\n",
+                    out ? "standard output" : ("\"" + x->json + "\"").c_str(), strerror(errno ? errno : EIO));
+            ok = 0;
+        }
+    }
+    std::string error;
+    if (!x->plot.empty() && !DrawFitPlot(&fit, x->plot.c_str(), &error)) {
+        fprintf(stderr, "Failed to write the plot \"%s\": %s\n", x->plot.c_str(), error.c_str());
+        ok = 0;
+    }
+    return ok;
 }

@@ -19,3 +19,8 @@ void WriteResults(FILE *out);
 // output. Otherwise to a file the user chooses; a cancelled choice writes
 // nothing, a file that cannot be opened is reported on standard error.
 void SaveResults(void);
+// The reports asked for by the long options of a finished analysis a: the
+// JSON report (to a file, or to standard output for "-") and the plot.
+// Failures are reported on standard error. Returns 1, or 0 when one could
+// not be written.
+int SaveReports(const Analysis *a);

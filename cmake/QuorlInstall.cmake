@@ -38,9 +38,11 @@ install(FILES ${PROJECT_SOURCE_DIR}/examples/carpet.tga ${PROJECT_SOURCE_DIR}/ex
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/imagestats DESTINATION ${QUORL_DOCDIR}/examples)
 
 # Debian package: one package "quorl" with the program, the libraries and
-# their development files. Library dependencies come from dpkg-shlibdeps;
-# libvips (the decoder of every format but TGA) is named too, so that the
-# package states it even where shlibdeps is not run.
+# their development files. Library dependencies come from dpkg-shlibdeps
+# (cairo, for the plots, among them); libvips (the decoder of every format
+# but TGA, loaded when a file needs it) is named too, so that the package
+# states it even where shlibdeps is not run. Boost.Math and nlohmann-json are
+# header-only and needed only to build.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quorl)
 set(CPACK_PACKAGE_VENDOR "Quorl")

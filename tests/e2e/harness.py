@@ -6,6 +6,7 @@ import sys
 import tempfile
 
 FROZEN = "2020-01-01 00:00:00"   # under faketime the clock stands still here: a fixed seed
+FROZEN_SECONDS = 1577836800      # the same instant in seconds, as --seed takes it
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data")
 
 failures = []
@@ -29,6 +30,15 @@ def picture(path, size, *shapes, background="white"):
     for colour, primitive in shapes:
         cmd += ["-fill", colour, "-draw", primitive]
     subprocess.run(cmd + ["-orient", "TopLeft", "-type", "TrueColor", "-compress", "None", path], check=True)
+    return path
+
+
+def mask(path, width, height, black):
+    """Writes a binary PGM, black where black(x, y) holds (y counts up from the
+    bottom row, as in the program), white elsewhere."""
+    rows = (bytes(0 if black(x, y) else 255 for x in range(width)) for y in reversed(range(height)))
+    with open(path, "wb") as f:
+        f.write(b"P5 %d %d 255\n" % (width, height) + b"".join(rows))
     return path
 
 

@@ -1,0 +1,14 @@
+// app/report.h - the JSON report of an analysis: the image and region, the
+// settings that reproduce it (the seed included), one entry per box size and
+// the fit with its statistics. A pure function of the record.
+#pragma once
+
+#include <string>
+
+#include "app/boxcount.h"
+#include "app/fit.h"
+
+// The report of a finished analysis a, whose fit is f (SummariseFit), as
+// one JSON object followed by a newline. Numbers keep full precision; a
+// statistic that cannot be formed (too few points) is null.
+std::string JsonReport(const Analysis *a, const FitSummary *f);
