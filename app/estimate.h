@@ -13,11 +13,11 @@
 // hold one value per table entry. The plain forms read the current
 // analysis (results, nresults). Returns the number of points.
 int MakeLogPoints(float *x, float *y);
-int MakeLogPointsOf(const BoxResult *table, int n, float *x, float *y);
+int MakeLogPointsOf(const BoxResult *table, int entries, float *x, float *y);
 // The estimated dimension: -1.0 for fewer than 4 results entries, 0.0 for
 // fewer than 3 distinct sizes or a failed fit, else the fitted slope.
 double CalcSlope(void);
-double SlopeOf(const BoxResult *table, int n);
+double SlopeOf(const BoxResult *table, int entries);
 // Fits y = b*x + a in single precision (sums in double, each square and
 // product in single). 1 when fitted; 0, with a = b = r = 0, when n < 2 or all
 // x are equal. r is the correlation coefficient, 1 when all y are equal.

@@ -60,7 +60,7 @@ bool seed(ExtraOptions *x, const char *v, std::string *err)
 
 bool offsets(ExtraOptions *x, const char *v, std::string *err)
 {
-    if (strcmp(v, "random") && strcmp(v, "all")) {
+    if (strcmp(v, "random") != 0 && strcmp(v, "all") != 0) {
         *err = "--offsets wants \"random\" or \"all\", not \"" + std::string(v) + "\"";
         return false;
     }
@@ -108,10 +108,21 @@ bool fit_range(ExtraOptions *x, const char *v, std::string *err)
     return true;
 }
 
+bool jobs(ExtraOptions *x, const char *v, std::string *err)
+{
+    long n;
+    if (!integer(v, 1, 4096, &n)) {
+        *err = "--jobs wants a number of images at once from 1 to 4096, not \"" + std::string(v) + "\"";
+        return false;
+    }
+    x->jobs = (int)n;
+    return true;
+}
+
 bool plot(ExtraOptions *x, const char *v, std::string *err)
 {
     const size_t n = strlen(v);
-    if (n < 5 || (strcmp(v + n - 4, ".svg") && strcmp(v + n - 4, ".png"))) {
+    if (n < 5 || (strcmp(v + n - 4, ".svg") != 0 && strcmp(v + n - 4, ".png") != 0)) {
         *err = "--plot wants a file name ending in .svg or .png, not \"" + std::string(v) + "\"";
         return false;
     }
@@ -132,6 +143,13 @@ const LongOption table[] = {
     {"json", "FILE", "write a JSON report to FILE (- for standard output)",
      [](ExtraOptions *x, const char *v, std::string *) { return (x->json = v), true; }},
     {"plot", "FILE", "draw the log-log plot into FILE (.svg or .png)", plot},
+    {"batch", "LIST", "analyse every image named in LIST (- for standard input), one CSV row each",
+     [](ExtraOptions *x, const char *v, std::string *) { return (x->batch = v), true; }},
+    {"csv", "FILE", "write the batch table to FILE instead of standard output",
+     [](ExtraOptions *x, const char *v, std::string *) { return (x->csv = v), true; }},
+    {"jsonl", "FILE", "also write the batch as one JSON object a line to FILE",
+     [](ExtraOptions *x, const char *v, std::string *) { return (x->jsonl = v), true; }},
+    {"jobs", "N", "analyse N images at once (default: one per core)", jobs},
 };
 
 }  // namespace
@@ -140,7 +158,7 @@ LongAction ParseLongOption(int argc, char **argv, int *i, ExtraOptions *x, std::
 {
     const char *name = argv[*i] + 2;
     for (const LongOption &o : table) {
-        if (strcmp(o.name, name)) continue;
+        if (strcmp(o.name, name) != 0) continue;
         if (!strcmp(name, "help")) return LONG_HELP;
         if (!strcmp(name, "version")) return LONG_VERSION;
         const char *value = "";

@@ -22,6 +22,10 @@ struct ExtraOptions {
     int fit_min = 0, fit_max = INT_MAX;  // --fit-range MIN:MAX, box sizes in pixels, inclusive
     std::string json;                 // --json FILE ("-": standard output)
     std::string plot;                 // --plot FILE (.svg or .png)
+    std::string batch;                // --batch LIST: one image name a line ("-": standard input)
+    std::string csv;                  // --csv FILE: the batch table (default standard output)
+    std::string jsonl;                // --jsonl FILE: the batch as JSON lines
+    int jobs = 0;                     // --jobs N: images at once; 0 = the number of cores
 };
 
 extern ExtraOptions extras;  // those of the program's own analysis

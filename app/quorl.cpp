@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/batch.h"
 #include "app/boxcount.h"
 #include "app/crop.h"
 #include "app/estimate.h"
@@ -24,6 +25,7 @@ int main(int argc, char **argv)
     StartupArgs args;
     SetDefaultOptions(&args);
     ParseCommandLine(argc, argv, &args);
+    if (!extras.batch.empty()) return RunBatch(&options, &extras);
 
     if (!options.quiet) {
         if (!extras.json.empty() || !extras.plot.empty())

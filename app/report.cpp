@@ -41,9 +41,7 @@ ordered_json settings(const Analysis *a)
     return s;
 }
 
-}  // namespace
-
-std::string JsonReport(const Analysis *a, const FitSummary *f)
+ordered_json report(const Analysis *a, const FitSummary *f)
 {
     const Options *o = a->opt;
     const LineFit &l = f->line;
@@ -70,7 +68,30 @@ std::string JsonReport(const Analysis *a, const FitSummary *f)
     r["local_slopes"] = ordered_json::array();
     for (const LocalSlope &s : f->local_slopes)
         r["local_slopes"].push_back({{"from", s.from}, {"to", s.to}, {"slope", s.slope}});
-    // Names that are not valid UTF-8 are written with replacement characters
-    // rather than refused.
-    return r.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+    return r;
+}
+
+}  // namespace
+
+// Names that are not valid UTF-8 are written with replacement characters
+// rather than refused.
+std::string JsonReport(const Analysis *a, const FitSummary *f)
+{
+    return report(a, f).dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string JsonBatchLine(const std::string &file, const Analysis *a, const FitSummary *f, int width, int height,
+                          const std::string &error)
+{
+    ordered_json r;
+    if (a) {
+        r = report(a, f);
+    } else if (width || height) {
+        r["width"] = width;
+        r["height"] = height;
+    }
+    r["file"] = file;
+    r["status"] = error.empty() ? "ok" : "error";
+    r["error"] = error.empty() ? ordered_json(nullptr) : ordered_json(error);
+    return r.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }

@@ -59,7 +59,8 @@ inline Analysis *analysis_of(int w, int h, const Shape &black, const Options &se
 // Steps the program's own analysis until it finishes or limit steps are taken.
 inline void run_to_end(long limit = 10000000)
 {
-    while (limit-- > 0 && !BoxCount(1)) continue;
+    while (limit-- > 0 && !BoxCount(1)) {
+    }
 }
 
 inline Table table_of(const BoxResult *r, int n)

@@ -69,7 +69,7 @@ TEST(LinRegressf, SinglePrecisionFit)
     for (const auto &c : cases) {
         float a = 9, b = 9, r = 9;
         EXPECT_EQ(LinRegressf(c.x.data(), c.y.data(), (int)c.x.size(), &a, &b, &r), c.ok) << c.x[0];
-        EXPECT_TRUE(fabs(a - c.a) < 0.5f && fabs(b - c.b) < 1e-3 && fabs(r - c.ok) < 1e-6) << c.x[0] << ": " << a << " " << b << " " << r;
+        EXPECT_TRUE(std::fabs(a - c.a) < 0.5f && std::fabs(b - c.b) < 1e-3 && std::fabs(r - c.ok) < 1e-6) << c.x[0] << ": " << a << " " << b << " " << r;
     }
 }
 
