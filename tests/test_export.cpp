@@ -2,8 +2,6 @@
 // normalisation no outside reader checks, the arguments that write nothing, and write errors.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -18,11 +16,7 @@ namespace {
 
 // Asymmetric corners, with the two number forms that matter: 0.5 and 1e+20.
 const Vec3 k_quad[4] = {{0, 0, 0}, {1, 0.5, 0}, {1, 1, 1e20}, {-2.5, 1, 3}};
-
-std::string temp_path(const std::string &name)
-{
-    return testing::TempDir() + "quorl-" + std::to_string(getpid()) + "-" + name;
-}
+std::string temp_path(const std::string &name) { return testing::TempDir() + "quorl-export-" + name; }
 
 }  // namespace
 
@@ -65,8 +59,9 @@ TEST(export_errors, EveryWriterReportsAFailingStream)
     const float fw[2] = {0, 1};
     FILE *ro = fopen("/dev/null", "r");  // every write to it fails
     ASSERT_TRUE(ro);
-    EXPECT_EQ(WriteDXFHeader(ro, "x") + WriteDXFFacet(ro, k_quad, 3) + WriteDXFFooter(ro) + WriteRadFacet(ro, k_quad, 3, "")
-                  + Write_AIFF(ro, d, 2, 8000) + Write_AU(ro, d, 2, 8000) + Write_WAVE(ro, fw, 2, 8000), 0);
+    EXPECT_EQ(WriteDXFHeader(ro, "x") + WriteDXFFacet(ro, k_quad, 3) + WriteDXFFooter(ro) + 
+                  + WriteRadFacet(ro, k_quad, 3, "") + Write_AIFF(ro, d, 2, 8000) + Write_AU(ro, d, 2, 8000)
+                  + Write_WAVE(ro, fw, 2, 8000), 0);
     fclose(ro);
 }
 
@@ -116,7 +111,8 @@ TEST(audio, SoxReadsAllThree)
         FILE *fp = fopen(path.c_str(), "wb");
         const char kind = f.name[0];
         ASSERT_TRUE(fp && (kind == 'd' ? Write_WAVE(fp, xf.data(), n, f.rate)
-                                       : (kind == 'c' ? Write_AU : Write_AIFF)(fp, x.data(), n, f.rate)) && !fclose(fp));
+                                       : (kind == 'c' ? Write_AU : Write_AIFF)(fp, x.data(), n, f.rate))
+                    && !fclose(fp));
         int status = -1;
         std::string info;
         for (const char *opt : {"-r", "-c", "-b", "-s", "-e"})  // (soxi -c exits with the channel count)
@@ -125,7 +121,7 @@ TEST(audio, SoxReadsAllThree)
         EXPECT_EQ(info, std::string(f.soxi) + " ") << f.name << " (scripts/setup.sh installs sox)";
         // sox prints each sample as value / 32768, after "; " comment lines.
         const std::string dat =
-            run("/usr/bin/sox -V1 " + path + " -t dat - | /usr/bin/awk '!/^;/ {printf \"%.0f\\n\", $2 * 32768}'", &status);
+            run("/usr/bin/sox -V1 " + path + " -t dat - | awk '!/^;/ {printf \"%.0f\\n\", $2*32768}'", &status);
         EXPECT_TRUE(status == 0 && dat == (kind == 'd' ? wantf : want)) << f.name << "\n" << dat;
         remove(path.c_str());
     }

@@ -92,24 +92,20 @@ TEST(Fourier, RoundTripAndRefusals)
 
 TEST(Fourier, Correlation)
 {
-    const double x[4] = {1, 2, 3, 4}, want[4] = {-1.5 / 5, 1.25 / 5, 1.0, 1.25 / 5};  // deviations' squares sum to 5
-    double r[4];
-    Correlate(x, x, 4, r);
-    for (int k = 0; k < 4; k++) EXPECT_NEAR(r[k], want[k], 1e-15) << k;
-    // t is s delayed by 2: the peak is at delay +2. Odd n: the slot of delay n/2 is not written.
-    const double s[9] = {0, 3, -1, 4, 1, -5, 9, 2, -6};
+    // t is s delayed by 2: the peak is at delay +2; odd n: the slot of delay n/2 is not written. Lag 0 is n times
+    // the population variance, sum s^2 - (sum s)^2 / n; a circular shift by 3 moves CrossCorr's overlap to lag 3.
+    const double s[9] = {0, 3, -1, 4, 1, -5, 9, 2, -6}, nvar = 173.0 - 7.0 * 7.0 / 9.0;
     double t[9] = {}, rr[9], shifted[9];
+    const double x[4] = {1, 2, 3, 4}, want[4] = {-1.5 / 5, 1.25 / 5, 1.0, 1.25 / 5};  // deviations' squares sum to 5
+    Correlate(x, x, 4, rr);
+    for (int k = 0; k < 4; k++) EXPECT_NEAR(rr[k], want[k], 1e-15) << k;
     for (int i = 0; i < 9; i++) t[(i + 2) % 9] = i < 7 ? s[i] : 0, shifted[(i + 3) % 9] = s[i], rr[i] = 99.0;
     Correlate(s, t, 9, rr);
     EXPECT_TRUE(std::max_element(rr, rr + 8) - rr == 4 + 2 && rr[8] == 99.0);
-    // Lag 0 is n times the population variance, sum s^2 - (sum s)^2 / n; a circular shift by 3 moves
-    // CrossCorr's full overlap to lag 3; lags are taken mod n.
-    const double nvar = 173.0 - 7.0 * 7.0 / 9.0;
     EXPECT_TRUE(fabs(AutoCorr(s, 9, 0) - nvar) < 1e-12 && fabs(CrossCorr(s, shifted, 9, 3) - nvar) < 1e-12);
-    for (int lag : {1, 4, 8}) {
-        const double a = AutoCorr(s, 9, lag);
-        EXPECT_TRUE(fabs(a - AutoCorr(s, 9, lag + 9)) < 1e-12 && fabs(CrossCorr(s, s, 9, lag) - a) < 1e-12
+    for (int lag : {1, 4, 8})  // lags are taken mod n
+        EXPECT_TRUE(fabs(AutoCorr(s, 9, lag) - AutoCorr(s, 9, lag + 9)) < 1e-12
+                    && fabs(CrossCorr(s, s, 9, lag) - AutoCorr(s, 9, lag)) < 1e-12
                     && fabs(AutoCorr(s, 9, -lag) - AutoCorr(s, 9, 9 - lag)) < 1e-12) << lag;
-    }
     EXPECT_TRUE(AutoCorr(s, 0, 1) == 0.0 && CrossCorr(s, s, 0, 1) == 0.0);
 }

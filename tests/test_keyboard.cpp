@@ -27,7 +27,7 @@ TEST(Keyboard, SingleKeysOnPseudoTerminalThenRestored)
     ASSERT_TRUE(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0) << "no pseudo-terminals here";
     const int slave = open(ptsname(master), O_RDWR | O_NOCTTY);
     termios before, raw, after;
-    ASSERT_TRUE(slave >= 0 && tcgetattr(slave, &before) == 0 && (before.c_lflag & ICANON));  // a new one is in line mode
+    ASSERT_TRUE(slave >= 0 && tcgetattr(slave, &before) == 0 && (before.c_lflag & ICANON));  // new: line mode
     {
         StdinSwap in(slave);
         ASSERT_TRUE(SetKeyboardIO(1) == 0 && tcgetattr(0, &raw) == 0);

@@ -29,7 +29,7 @@ TEST(Pixels, CreateAndKnownValues)
         {YUV_to_Bitmap(255, 128, 255), {255, 166, 255, 0}}, {YUV_to_Bitmap(0, 0, 0), {0, 132, 0, 0}},  // clamped
         {YUV_to_Bitmap(100, 200, 60), {6, 123, 224, 0}},
     };
-    for (const auto &c : cases) EXPECT_TRUE(Same_BitmapPixel(c.got, c.want)) << +c.got.r << " " << +c.got.g << " " << +c.got.b;
+    for (const auto &c : cases) EXPECT_TRUE(Same_BitmapPixel(c.got, c.want)) << +c.got.r << " " << +c.got.g;
     EXPECT_FALSE(Same_BitmapPixel({10, 20, 30, 255}, {10, 20, 30, 0}));  // alpha counts
 }
 
@@ -55,7 +55,7 @@ TEST(Pixels, DrawingAndFlips)
         Flip_Bitmap(f.data(), 6, 5, dir);
         for (int i = 0; i < 30; i++) {
             const int x = i % 6, y = i / 6, sx = dir == 1 ? 5 - x : x, sy = dir == 0 ? 4 - y : y;
-            EXPECT_TRUE(Same_BitmapPixel(f[(size_t)i], n[(size_t)(sy * 6 + sx)])) << "direction " << dir << " pixel " << i;
+            EXPECT_TRUE(Same_BitmapPixel(f[(size_t)i], n[(size_t)(sy * 6 + sx)])) << "direction " << dir << " at " << i;
         }
     }
 }

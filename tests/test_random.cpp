@@ -35,13 +35,11 @@ TEST(Random, SeedingForwardAndBackward)
     RandomInitialise(4711, 2222);
     std::vector<double> seq(6000);
     for (double &x : seq) x = RandomUniform();
-    for (long n : {0L, 1L, 97L, 5000L}) {
+    for (long n : {0L, 1L, 97L, 5000L, 6000L}) {
         RandomInitialise(4711, 2222);
         ForwardRandomUniform(n);
-        EXPECT_EQ(RandomUniform(), seq[n]) << "forward " << n;
+        EXPECT_TRUE(n == 6000 || RandomUniform() == seq[n]) << "forward " << n;
     }
-    RandomInitialise(4711, 2222);
-    ForwardRandomUniform(6000);
     for (int k = 5999; k >= 0; k--) ASSERT_EQ(UnRandomUniform(), seq[k]) << "unrandom " << k;  // newest first
     for (int k = 0; k < 6000; k++) ASSERT_EQ(RandomUniform(), seq[k]) << "again " << k;
     for (long n : {1L, 64L, 97L, 2500L, 6000L}) {
@@ -74,9 +72,8 @@ TEST(Random, DerivedGeneratorsAndNoise)
         const double g = RandomGaussian(3.0, 2.0);
         sum += g, sum2 += (g - 3.0) * (g - 3.0), within1 += fabs(g - 3.0) < 2.0;
     }
-    EXPECT_NEAR(sum / n, 3.0, 0.025);  // standard error 0.0045
-    EXPECT_NEAR(sqrt(sum2 / n), 2.0, 0.02);
-    EXPECT_NEAR(within1 / n, 0.682689, 0.006);  // normal, not just two moments
+    // Mean (standard error 0.0045), deviation, and the share within one deviation: normal, not just two moments.
+    EXPECT_TRUE(fabs(sum / n - 3) < 0.025 && fabs(sqrt(sum2 / n) - 2) < 0.02 && fabs(within1 / n - 0.682689) < 0.006);
     // PrimeNoise1 against an independent 32-bit evaluation; x^x vanishes mod 2^32 for even x from 8 on.
     for (auto [x, want] : {std::pair{0, -0.2817909838631749}, {3, -0.005339873023331165}, {-7, -0.13284231442958117},
                            {123457, -0.5032646777108312}, {1000, -0.2817909838631749}})

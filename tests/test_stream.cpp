@@ -29,7 +29,7 @@ TEST(Stream, BinaryBigEndianBothWaysAndHostOrder)
     EXPECT_EQ(string(got, fread(got, 1, sizeof got, fp)),
               string("\x22\x33\x44\x55\xaa\xbb\xcc\xdd\xff\xfe\xab\xcd\x01\x02\x03\x04\x3f\xc0\0\0\xc0\0\0\0\0\0\0\0",
                      28));
-    const uint16_t one = 1;  // swap reverses the bytes as they lie: needed for a big-endian file on a little-endian host
+    const uint16_t one = 1;  // swap reverses the bytes as they lie: for a big-endian file on a little-endian host
     const int swap = *(const unsigned char *)&one;
     long l = 0, l2 = 0;
     short s = 0, keep = 77;
@@ -40,7 +40,8 @@ TEST(Stream, BinaryBigEndianBothWaysAndHostOrder)
     double d = 0;
     rewind(fp);
     ASSERT_TRUE(ReadLong(fp, &l, swap) && ReadLong(fp, &l2, swap) && ReadShort(fp, &s, swap)
-                && ReadUShort(fp, &us, swap) && ReadInt(fp, &i, swap) && ReadFloat(fp, &f, swap) && ReadDouble(fp, &d, swap));
+                && ReadUShort(fp, &us, swap) && ReadInt(fp, &i, swap) && ReadFloat(fp, &f, swap)
+                && ReadDouble(fp, &d, swap));
     EXPECT_TRUE(l == 0x22334455 && l2 == (long)(int)0xaabbccdd && s == -2 && us == 0xabcd && i == 0x01020304
                 && f == 1.5f && d == -2.0);  // ReadLong sign-extends its 4 bytes
     EXPECT_TRUE(!ReadShort(fp, &keep, 0) && keep == 77);  // end of file: value untouched
@@ -78,7 +79,8 @@ TEST(Stream, TextInput)
 
 TEST(Stream, StringsFilesAndValues)
 {
-    for (auto [in, want] : {std::pair{"  ", ""}, {"\x7f\x01 a b \r\n", "a b"}, {"\xc3\xa9t\xc3\xa9", "t"}, {"a\x80z", "a\x80z"}}) {
+    for (auto [in, want] :
+         {std::pair{"   ", ""}, {"\x7f\x01 a b \r\n", "a b"}, {"\xc3\xa9t\xc3\xa9", "t"}, {"a\x80z", "a\x80z"}}) {
         char buf[32];
         StringClean(strcpy(buf, in));
         EXPECT_STREQ(buf, want) << "from \"" << in << "\"";
@@ -94,10 +96,8 @@ TEST(Stream, StringsFilesAndValues)
     }
     char name[] = "quorl_echoXXXXXX";  // in the working (build) directory
     const int fd = mkstemp(name);
-    ASSERT_TRUE(fd >= 0 && write(fd, "bin\0\xff\r\n", 7) == 7 && close(fd) == 0);
     FILE *out = tmpfile();
-    EXPECT_TRUE(EchoFile(name, out));
-    remove(name);
+    ASSERT_TRUE(fd >= 0 && write(fd, "bin\0\xff\r\n", 7) == 7 && !close(fd) && EchoFile(name, out) && !remove(name));
     EXPECT_TRUE(!EchoFile(name, out) && ftell(out) == 7);  // gone: nothing more is written
     fclose(out);
     // ClipInteger(v, lower, upper); ClipDouble(v, upper, lower), the lower bound tested first.
@@ -108,6 +108,5 @@ TEST(Stream, StringsFilesAndValues)
     }
     double a = 2, b = 5;
     EXPECT_TRUE(ClipDouble(&a, 0, 3) == 1 && a == 3);  // crossed bounds: the lower one wins
-    SwapDouble(&a, &b);
-    EXPECT_TRUE(a == 5 && b == 3);
+    EXPECT_TRUE((SwapDouble(&a, &b), a == 5 && b == 3));
 }

@@ -36,7 +36,7 @@ TEST(Vectors, KnownValues)
                            HermiteInterpolate(9, 1, 2, -9, 0.5, 1, 0.4)}, {1.384, 1.3, 1.5}},
         {"interpolator ends", {CubicInterpolate(-2, 1, 4, 3, 0), CubicInterpolate(-2, 1, 4, 3, 1),
                                HermiteInterpolate(-2, 1, 4, 3, 1, -1, 0.3)}, {1, 4, 4}},
-        {"angles", {CosineInterpolate(1, 4, 0.5), VectorAngle({0, 0, 0}, {1, 0, 0}), VectorAngle({1, 2, 3}, {-2, -4, -6})},
+        {"angles", {CosineInterpolate(1, 4, 0.5), VectorAngle({}, {1, 0, 0}), VectorAngle({1, 2, 3}, {-1, -2, -3})},
          {2.5, 0, M_PI}},
     };
     for (const auto &c : cases) expect_vec(c.id, c.got, c.want);

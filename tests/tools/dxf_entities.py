@@ -6,7 +6,7 @@ import sys
 import ezdxf
 
 doc = ezdxf.readfile(sys.argv[1])
-print("".join("LAYER %s\n" % t.dxf.name for t in doc.layers) + "".join("LTYPE %s\n" % t.dxf.name for t in doc.linetypes))
+print("\n".join(["LAYER " + t.dxf.name for t in doc.layers] + ["LTYPE " + t.dxf.name for t in doc.linetypes]))
 print("EXTMAX", " ".join("%g" % v for v in doc.header.get("$EXTMAX", ())))
 CORNERS = {"POINT": ["location"], "LINE": ["start", "end"], "3DFACE": ["vtx0", "vtx1", "vtx2", "vtx3"]}
 for e in doc.modelspace():
