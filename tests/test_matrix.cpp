@@ -70,7 +70,7 @@ TEST(Matrix, SolverAgainstNumpy)
     Mat sing({{1, 2}, {2, 4}, {3, 5}});
     double x[8];
     EXPECT_EQ(GSolve(sing.p.data(), 2, x), 0);
-    std::mt19937 rng(2024);  // diagonally dominant systems, n = 1..8
+    std::mt19937 rng(2024);  // dominant terms off the diagonal from n = 2: pivoting needed
     std::vector<Mat> systems;
     const std::string path = testing::TempDir() + "quorl_gsolve.txt";
     FILE *f = fopen(path.c_str(), "w");
@@ -79,7 +79,7 @@ TEST(Matrix, SolverAgainstNumpy)
         Mat &m = systems.emplace_back(n, n + 1);
         fprintf(f, "%d\n", n);
         for (int j = 0; j < n; j++)  // equation j, then the right-hand sides
-            for (int k = 0; k < n; k++) fprintf(f, " %.17g", m.p[k][j] = uniform(rng) + (k == j ? n : 0));
+            for (int k = 0; k < n; k++) fprintf(f, " %.17g", m.p[k][j] = uniform(rng) + (k == (j + n / 2) % n ? n : 0));
         for (int j = 0; j < n; j++) fprintf(f, " %.17g\n", m.p[n][j] = 10 * uniform(rng));
     }
     fclose(f);

@@ -97,10 +97,10 @@ TEST(TgaRead, ValuesMapsAndPackets)
         const BitmapPixel p = px[(size_t)c.px];
         EXPECT_TRUE(Same_BitmapPixel(p, c.want)) << c.id << ": " << +p.r << " " << +p.g << " " << +p.b << " " << +p.a;
     }
-    BitmapPixel p{5, 6, 7, 8};
-    const unsigned char five[5] = {1, 2, 3, 4, 5};
-    TGA_MergeBytes(&p, five, 5), TGA_MergeBytes(&p, five, 0);  // no such value size: untouched
-    EXPECT_TRUE(Same_BitmapPixel(p, {5, 6, 7, 8}));
+    BitmapPixel p{5, 6, 7, 8}, q{};  // the conversion colour maps use; no such value size: untouched
+    const unsigned char five[5] = {0xE0, 0x03, 3, 4, 5};
+    TGA_MergeBytes(&p, five, 5), TGA_MergeBytes(&p, five, 0), TGA_MergeBytes(&q, five, 2);
+    EXPECT_TRUE(Same_BitmapPixel(p, {5, 6, 7, 8}) && Same_BitmapPixel(q, {0, 248, 0, 0}));
 }
 
 TEST(TgaRead, DamagedFilesStayInsideTheBitmap)
