@@ -1,5 +1,4 @@
-// Helpers of the writer tests: bytes from hex text, what a function writes to
-// a stream, and the output and exit status of a program the suite relies on.
+// Test helpers: bytes from hex text, what a function writes to a stream, and the output of a program.
 #pragma once
 
 #include <sys/wait.h>
@@ -11,8 +10,7 @@
 
 using Bytes = std::vector<unsigned char>;
 
-// "01da 00 01": hex digit pairs, blanks ignored.
-inline Bytes hx(const std::string &s)
+inline Bytes hx(const std::string &s)  // "01da 00 01": hex digit pairs, blanks ignored
 {
     Bytes out;
     for (size_t i = 0; i < s.size(); i++)
@@ -34,9 +32,8 @@ template <class T = Bytes, class F> T capture(F fn, int *result = nullptr)
     return out;
 }
 
-// Standard output of a shell command; *status gets its exit code (-1 when it
-// did not exit). A reader scripts/setup.sh installs is never optional: the
-// callers assert status 0, so a missing program fails the case.
+// Standard output of a shell command; *status gets its exit code (-1 when it did not exit). Callers assert
+// status 0, so a reader scripts/setup.sh installs that is missing fails the case.
 inline std::string run(const std::string &cmd, int *status)
 {
     std::string out;

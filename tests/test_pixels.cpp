@@ -7,75 +7,55 @@
 
 #include "bitmap/pixels.h"
 
-namespace {
+static const BitmapPixel red = {255, 0, 0, 255}, blue = {0, 0, 255, 255};
 
-const BitmapPixel red = {255, 0, 0, 255}, blue = {0, 0, 255, 255};
-
-bool same(BitmapPixel a, BitmapPixel b) { return Same_BitmapPixel(a, b) == 1; }
-
-int count_red(const std::vector<BitmapPixel> &bm) { return (int)std::count_if(bm.begin(), bm.end(),
-    [](BitmapPixel p) { return same(p, red); }); }
-
-}  // namespace
-
-TEST(Create, RefusesNegativeAndOverflowingSizes)
+static int count_red(const std::vector<BitmapPixel> &bm)
 {
-    const struct { int nx, ny; bool ok; } cases[] = {
-        {4, 3, true}, {0, 0, true}, {-1, 5, false}, {5, -1, false}, {INT_MAX, 2, false},
-        {46341, 46341, false},  // 2147488281 pixels: one row past the limit
-    };
-    for (const auto &c : cases) {
-        BitmapPixel *bm = Create_Bitmap(c.nx, c.ny);
-        EXPECT_EQ(bm != nullptr, c.ok) << c.nx << " x " << c.ny;
-        Destroy_Bitmap(bm);
-    }
+    return (int)std::count_if(bm.begin(), bm.end(), [](BitmapPixel p) { return Same_BitmapPixel(p, red); });
 }
 
-TEST(Pixels, InsideOnlyAndKnownValues)
+TEST(Pixels, CreateAndKnownValues)
 {
-    std::vector<BitmapPixel> bm(12, blue);
-    EXPECT_EQ(Draw_Pixel(bm.data(), 4, 3, 3, 2, red), 1);
-    for (auto &p : {std::pair{-1, 0}, {0, -1}, {4, 0}, {0, 3}}) {
-        EXPECT_EQ(Draw_Pixel(bm.data(), 4, 3, p.first, p.second, red), 0);
-        EXPECT_TRUE(same(Get_Pixel(bm.data(), 4, 3, p.first, p.second), {0, 0, 0, 255}));
+    // 46341^2 = 2147488281 pixels: one row past the limit.
+    for (auto [nx, ny, ok] : {std::tuple{4, 3, true}, {0, 0, true}, {-1, 5, false}, {5, -1, false}, {INT_MAX, 2, false},
+                              {46341, 46341, false}}) {
+        BitmapPixel *bm = Create_Bitmap(nx, ny);
+        EXPECT_EQ(bm != nullptr, ok) << nx << " x " << ny;
+        Destroy_Bitmap(bm);
     }
-    EXPECT_TRUE(same(bm[11], red) && count_red(bm) == 1);
-    Erase_Bitmap(bm.data(), 0, 6, red);  // an empty size erases nothing
-    EXPECT_EQ(count_red(bm), 1);
-    Erase_Bitmap(bm.data(), 4, 3, red);
-    EXPECT_EQ(count_red(bm), 12);
-    EXPECT_FALSE(same({10, 20, 30, 255}, {10, 20, 30, 0}));  // alpha counts
-
     const struct { BitmapPixel got, want; } cases[] = {
         {Scale_Pixel({200, 100, 0, 255}, 1.5), {255, 150, 0, 255}}, {Scale_Pixel({200, 100, 0, 255}, -1), {0, 0, 0, 0}},
         {Scale_Pixel({3, 5, 7, 9}, 0.5), {1, 2, 3, 4}},  // truncated, not rounded
         {YUV_to_Bitmap(255, 128, 255), {255, 166, 255, 0}}, {YUV_to_Bitmap(0, 0, 0), {0, 132, 0, 0}},  // clamped
         {YUV_to_Bitmap(100, 200, 60), {6, 123, 224, 0}},
     };
-    for (const auto &c : cases) EXPECT_TRUE(same(c.got, c.want)) << int(c.got.r) << " " << int(c.got.g) << " "
-        << int(c.got.b);
+    for (const auto &c : cases) EXPECT_TRUE(Same_BitmapPixel(c.got, c.want)) << +c.got.r << " " << +c.got.g;
+    EXPECT_FALSE(Same_BitmapPixel({10, 20, 30, 255}, {10, 20, 30, 0}));  // alpha counts
 }
 
-TEST(Pixels, LinesAndFlips)
+TEST(Pixels, DrawingAndFlips)
 {
-    // (0,0)-(3,4): the half-pixel walk sets seven pixels, both ends included.
-    std::vector<BitmapPixel> bm(25, blue);
-    Draw_Line(bm.data(), 5, 5, 0, 0, 3, 4, red);
-    for (int i : {0, 5, 6, 11, 12, 17, 23}) EXPECT_TRUE(same(bm[(size_t)i], red)) << i;
-    EXPECT_EQ(count_red(bm), 7);
-    std::vector<BitmapPixel> e(9, blue);
+    std::vector<BitmapPixel> bm(25, blue), e(9, blue);
+    EXPECT_EQ(Draw_Pixel(bm.data(), 5, 5, 4, 2, red), 1);
+    for (auto &p : {std::pair{-1, 0}, {0, -1}, {5, 0}, {0, 5}})  // outside: refused, and read as opaque black
+        EXPECT_TRUE(!Draw_Pixel(bm.data(), 5, 5, p.first, p.second, red)
+                    && Same_BitmapPixel(Get_Pixel(bm.data(), 5, 5, p.first, p.second), {0, 0, 0, 255}));
+    EXPECT_TRUE(Same_BitmapPixel(bm[14], red) && count_red(bm) == 1);
+    Draw_Line(bm.data(), 5, 5, 0, 0, 3, 4, red);  // the half-pixel walk sets seven pixels, both ends included
+    for (int i : {0, 5, 6, 11, 12, 17, 23}) EXPECT_TRUE(Same_BitmapPixel(bm[(size_t)i], red)) << i;
     Draw_Line(e.data(), 3, 3, -2, 0, 5, 0, red);  // points outside are skipped
-    EXPECT_EQ(count_red(e), 3);
-
-    // r = x, g = y: every pixel distinct. Odd height: the middle row stays.
-    std::vector<BitmapPixel> n(30);
+    Erase_Bitmap(bm.data(), 0, 6, red);  // an empty size erases nothing
+    EXPECT_TRUE(count_red(bm) == 8 && count_red(e) == 3);
+    Erase_Bitmap(e.data(), 3, 3, red);
+    EXPECT_EQ(count_red(e), 9);
+    std::vector<BitmapPixel> n(30);  // r = x, g = y: every pixel distinct. Odd height: the middle row stays.
     for (int i = 0; i < 30; i++) n[(size_t)i] = {(unsigned char)(i % 6), (unsigned char)(i / 6), 7, 255};
     for (int dir : {0, 1, 2}) {
         std::vector<BitmapPixel> f = n;
         Flip_Bitmap(f.data(), 6, 5, dir);
         for (int i = 0; i < 30; i++) {
             const int x = i % 6, y = i / 6, sx = dir == 1 ? 5 - x : x, sy = dir == 0 ? 4 - y : y;
-            EXPECT_TRUE(same(f[(size_t)i], n[(size_t)(sy * 6 + sx)])) << "direction " << dir << " pixel " << i;
+            EXPECT_TRUE(Same_BitmapPixel(f[(size_t)i], n[(size_t)(sy * 6 + sx)])) << "direction " << dir << " at " << i;
         }
     }
 }

@@ -1,5 +1,4 @@
-// Stream helpers: byte orders both ways, line and word input, string cleaning
-// and copying; the value helpers of util/values.h.
+// Stream helpers: byte orders both ways, line and word input, string cleaning and copying; util/values.h.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -22,46 +21,42 @@ static FILE *stream_of(const string &bytes)  // a temporary stream holding bytes
 TEST(Stream, BinaryBigEndianBothWaysAndHostOrder)
 {
     FILE *fp = tmpfile();
-    EXPECT_TRUE(WriteLong(fp, 0x1122334455L, 1) && WriteULong(fp, 0xffffffffaabbccddUL, 1) && WriteShort(fp, -2, 1) &&
-                WriteUShort(fp, 0xabcd, 1) && WriteInt(fp, 0x01020304, 1) && WriteFloat(fp, 1.5f, 1)
-                    && WriteDouble(fp, -2.0, 1));
+    EXPECT_TRUE(WriteLong(fp, 0x1122334455L, 1) && WriteULong(fp, 0xffffffffaabbccddUL, 1) && WriteShort(fp, -2, 1)
+                && WriteUShort(fp, 0xabcd, 1) && WriteInt(fp, 0x01020304, 1) && WriteFloat(fp, 1.5f, 1)
+                && WriteDouble(fp, -2.0, 1));
     char got[29] = {};
     rewind(fp);
     EXPECT_EQ(string(got, fread(got, 1, sizeof got, fp)),
-        string("\x22\x33\x44\x55\xaa\xbb\xcc\xdd\xff\xfe\xab\xcd\x01\x02"
-                                                                 "\x03\x04\x3f\xc0\0\0\xc0\0\0\0\0\0\0\0", 28));
-    // Read with swap reverses the bytes as they lie: a big-endian file needs it on a little-endian host.
-    const uint16_t one = 1;
-    const int swap = *(const unsigned char *)&one == 1;
+              string("\x22\x33\x44\x55\xaa\xbb\xcc\xdd\xff\xfe\xab\xcd\x01\x02\x03\x04\x3f\xc0\0\0\xc0\0\0\0\0\0\0\0",
+                     28));
+    const uint16_t one = 1;  // swap reverses the bytes as they lie: for a big-endian file on a little-endian host
+    const int swap = *(const unsigned char *)&one;
     long l = 0, l2 = 0;
     short s = 0, keep = 77;
     unsigned short us = 0;
+    unsigned u = 0;
     int i = 0;
     float f = 0;
     double d = 0;
     rewind(fp);
     ASSERT_TRUE(ReadLong(fp, &l, swap) && ReadLong(fp, &l2, swap) && ReadShort(fp, &s, swap)
-        && ReadUShort(fp, &us, swap) &&
-                ReadInt(fp, &i, swap) && ReadFloat(fp, &f, swap) && ReadDouble(fp, &d, swap));
+                && ReadUShort(fp, &us, swap) && ReadInt(fp, &i, swap) && ReadFloat(fp, &f, swap)
+                && ReadDouble(fp, &d, swap));
     EXPECT_TRUE(l == 0x22334455 && l2 == (long)(int)0xaabbccdd && s == -2 && us == 0xabcd && i == 0x01020304
-        && f == 1.5f &&
-                d == -2.0);  // ReadLong sign-extends its 4 bytes
+                && f == 1.5f && d == -2.0);  // ReadLong sign-extends its 4 bytes
     EXPECT_TRUE(!ReadShort(fp, &keep, 0) && keep == 77);  // end of file: value untouched
-    fclose(fp);
-    fp = tmpfile();  // swap 0 is the host's order: it reads back with swap 0 on any host
-    unsigned u = 0;
+    rewind(fp);  // swap 0 is the host's order: it reads back with swap 0 on any host
     EXPECT_TRUE(WriteInt(fp, -123456, 0) && WriteDouble(fp, 0.1, 0) && WriteUInt(fp, 7u, 0));
     rewind(fp);
-    EXPECT_TRUE(ReadInt(fp, &i, 0) && ReadDouble(fp, &d, 0) && ReadUInt(fp, &u, 0) && i == -123456 && d == 0.1
-        && u == 7);
+    EXPECT_TRUE(ReadInt(fp, &i, 0) && ReadDouble(fp, &d, 0) && ReadUInt(fp, &u, 0) && i == -123456 && d == 0.1 && u);
     fclose(fp);
 }
 
 TEST(Stream, TextInput)
 {
     FILE *fp = stream_of("ab\r\ncd\n\rlonger line\nx");
-    for (auto [ret, want]
-        : {std::pair{1, "ab"}, {1, ""}, {1, "cd"}, {1, ""}, {1, "long"}, {1, "er l"}, {1, "ine"}, {0, "x"}, {0, ""}}) {
+    for (auto [ret, want] : {std::pair{1, "ab"}, {1, ""}, {1, "cd"}, {1, ""}, {1, "long"}, {1, "er l"}, {1, "ine"},
+                             {0, "x"}, {0, ""}}) {
         char buf[5];  // max + 1
         EXPECT_TRUE(ReadLine(fp, buf, 4) == ret && !strcmp(buf, want)) << want;
     }
@@ -84,8 +79,8 @@ TEST(Stream, TextInput)
 
 TEST(Stream, StringsFilesAndValues)
 {
-    for (auto [in, want]
-        : {std::pair{"   ", ""}, {"\x7f\x01 a b \r\n", "a b"}, {"\xc3\xa9t\xc3\xa9", "t"}, {"a\x80z", "a\x80z"}}) {
+    for (auto [in, want] :
+         {std::pair{"   ", ""}, {"\x7f\x01 a b \r\n", "a b"}, {"\xc3\xa9t\xc3\xa9", "t"}, {"a\x80z", "a\x80z"}}) {
         char buf[32];
         StringClean(strcpy(buf, in));
         EXPECT_STREQ(buf, want) << "from \"" << in << "\"";
@@ -94,24 +89,17 @@ TEST(Stream, StringsFilesAndValues)
     EXPECT_TRUE(RightTrim(buf) == 6 && !strcmp(buf, "tab\t \n"));
     StrToUpper(strcpy(buf, "Hello, World@[\xc4]"));
     EXPECT_STREQ(buf, "HELLO, WORLD@[\xc4]");
-    StrToLower(buf);
-    EXPECT_STREQ(buf, "hello, world@[\xc4]");
-    for (auto [from, to, ret, want]
-        : {std::tuple{1, 3, 1, "ell"}, {1, 6, 0, ""}, {3, 1, 1, ""}, {3, 5, 1, "lo"}, {-2, 1, 0, ""}}) {
+    EXPECT_STREQ((StrToLower(buf), buf), "hello, world@[\xc4]");
+    for (auto [from, to, ret, want] : {std::tuple{1, 3, 1, "ell"}, {1, 6, 0, ""}, {3, 1, 1, ""}, {-2, 1, 0, ""}}) {
         std::vector<char> dst((size_t)std::max(to - from + 2, 1), '#');  // the room IndexCopy states
         EXPECT_TRUE(IndexCopy("hello", dst.data(), from, to) == ret && !strcmp(dst.data(), want)) << from << ".." << to;
     }
-
     char name[] = "quorl_echoXXXXXX";  // in the working (build) directory
     const int fd = mkstemp(name);
-    ASSERT_TRUE(fd >= 0 && write(fd, "bin\0\xff\r\n", 7) == 7 && close(fd) == 0);
     FILE *out = tmpfile();
-    EXPECT_TRUE(EchoFile(name, out));
-    remove(name);
-    EXPECT_FALSE(EchoFile(name, out));  // gone: nothing more is written
-    EXPECT_EQ(ftell(out), 7);
+    ASSERT_TRUE(fd >= 0 && write(fd, "bin\0\xff\r\n", 7) == 7 && !close(fd) && EchoFile(name, out) && !remove(name));
+    EXPECT_TRUE(!EchoFile(name, out) && ftell(out) == 7);  // gone: nothing more is written
     fclose(out);
-
     // ClipInteger(v, lower, upper); ClipDouble(v, upper, lower), the lower bound tested first.
     for (auto [v, ret, want] : {std::tuple{5, 1, 3}, {-1, 1, 0}, {3, 0, 3}}) {
         int iv = v;
@@ -120,6 +108,5 @@ TEST(Stream, StringsFilesAndValues)
     }
     double a = 2, b = 5;
     EXPECT_TRUE(ClipDouble(&a, 0, 3) == 1 && a == 3);  // crossed bounds: the lower one wins
-    SwapDouble(&a, &b);
-    EXPECT_TRUE(a == 5 && b == 3);
+    EXPECT_TRUE((SwapDouble(&a, &b), a == 5 && b == 3));
 }

@@ -1,8 +1,5 @@
-// tests/test_writer.cpp - the image writer: every format decoded by programs
-// nobody here wrote (ImageMagick, libtiff, Ghostscript, netpbm), round trips
-// through our TGA reader, the bytes no outside reader checks (run-length
-// packets, the 48-byte header, raw grey), refused codes and write errors. The
-// image is a 6x5 'F' (no symmetry) in red on blue, so row flips and R<->B swaps show.
+// The image writer: every format through decoders nobody here wrote, the bytes no outside reader checks,
+// refused codes and write errors. A 6x5 'F' in red on blue shows flips and swaps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "bitmap/tga.h"
 #include "bitmap/writer.h"
 #include "capture.h"
 
@@ -28,9 +24,9 @@ template <class T> std::vector<T> operator+(std::vector<T> a, const std::vector<
 
 constexpr BitmapPixel k_red = {255, 0, 0, 255}, k_blue = {0, 0, 255, 255};
 
-Image make_f(int nx, BitmapPixel bg = k_blue)  // top row first; wider images are padded with background
+Image make_f(int nx, BitmapPixel bg = k_blue)  // wider images are padded with background
 {
-    const char *const art[5] = {"RRRRR.", "R.....", "RRRR..", "R.....", "R....."};
+    const char *const art[5] = {"RRRRR.", "R.....", "RRRR..", "R.....", "R....."};  // top row first
     Image im((size_t)nx * 5);
     for (int i = 0; i < nx * 5; i++) im[(size_t)i] = i % nx < 6 && art[4 - i / nx][i % nx] == 'R' ? k_red : bg;
     return im;
@@ -53,72 +49,62 @@ Bytes rows_rgb(const Image &im, int nx, int ny, bool last_first, bool alpha)
     return out;
 }
 
-// Pixels by letter ('a' differs from 'A' in alpha only), each letter n times.
-Image row_of(const std::string &letters, int n = 1)
+Image row_of(const std::string &letters, int n = 1)  // pixels by letter, n times over; 'a' is 'A' but for alpha
 {
-    static const BitmapPixel px[5] = {{10, 20, 30, 255}, {10, 20, 30, 0}, {40, 50, 60, 255}, {70, 80, 90, 200},
-        {1, 2, 3, 4}};
+    static const BitmapPixel px[5] = {{10, 20, 30, 255}, {10, 20, 30, 0}, {40, 50, 60, 255}, {7, 8, 9, 200}, {}};
     Image row;
-    for (int k = 0; k < n; k++)
-        for (char ch : letters) row.push_back(px[std::string("AaBCX").find(ch)]);
+    for (int k = 0; k < n * (int)letters.size(); k++)
+        row.push_back(px[std::string("AaBCX").find(letters[k % letters.size()])]);
     return row;
+}
+
+// A stream that accepts `room` bytes and then refuses.
+ssize_t limited_write(void *room, const char *, size_t n)
+{
+    const size_t take = std::min(n, *(size_t *)room);
+    return *(size_t *)room -= take, (ssize_t)take;
 }
 
 }  // namespace
 
 TEST(writer_bytes, WithoutAnOutsideReader)
 {
-    // The 48-byte header (magic 474, verbatim, 1 byte per channel, 3 dimensions,
-    // 6 x 5 x 3, min 0, max 255, reserved, the name, 8 zeros), then raw r g b.
+    // The 48-byte header: magic 474, verbatim, 1 byte per channel, 3 dimensions, 6 x 5 x 3, 0..255, the name.
     const Image f = make_f(6);
     EXPECT_EQ(write_image(f, 6, 5, 3), hx("01da 00 01 0003 0006 0005 0003 00000000 000000ff 00000000 "
                                           "5772697465426974 6d61702c206b6578 0000000000000000")
-                                              + rows_rgb(f, 6, 5, false, false));
+                                           + rows_rgb(f, 6, 5, false, false));
     EXPECT_EQ(write_image(f, 6, 5, -8), rows_rgb(f, 6, 5, true, false));
     EXPECT_EQ(write_image({{10, 20, 40, 0}, {255, 255, 255, 0}, {1, 1, 0, 0}}, 3, 1, 4), hx("17 ff 00"));  // (r+g+b)/3
     int ok = -1;
-    for (int code : {0, 10, -10, 14, 99, INT_MIN})  // no such format: nothing written
+    for (int code : {0, 10, -10, 14, INT_MIN})  // no such format: nothing written
         EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
     EXPECT_TRUE(write_image(f, -6, 5, 1, &ok).empty() && ok == 0);
-    static const struct { const char *text, *want; int ok; } hex[] = {
-        {"4d4D002a", "4d 4d 00 2a", 1}, {"abc", "ab 0c", 1}, {"00ff0g", "", 0}};  // odd last digit; a non-digit
-    for (const auto &c : hex)
-        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, c.text); }, &ok) == hx(c.want) && ok == c.ok)
-            << c.text;
+    for (const auto &[text, want, ret] : {std::tuple{"4Dabc", "4d ab 0c", 1}, {"00ff0g", "", 0}})  // odd end; not hex
+        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, text); }, &ok) == hx(want) && ok == ret) << text;
     unsigned char buf[4] = {9, 9, 9, 9};
     EXPECT_EQ(capture([&](FILE *s) { return BM_WriteLongInt(s, buf, 0xFFFFFFFEu); }), hx("fffffffe"));
     EXPECT_EQ(Bytes(buf, buf + 4), hx("fffffffe"));
 
-    // Run-length packets: header 0x80 | (n-1) for a run, n-1 for raw values (b g r [a]).
+    // Run-length packets: 0x80 | (n-1) for a run, n-1 for raw values (b g r [a]).
     auto pk = [](int head, const Image &px, int bytes) {
         Bytes out = {(unsigned char)head};
-        for (const BitmapPixel &p : px) out.insert(out.end(), {p.b, p.g, p.r, p.a}),
-            out.resize(out.size() - (bytes == 3));
+        for (const BitmapPixel &p : px) out.insert(out.end(), {p.b, p.g, p.r, p.a}), out.resize(out.size() - 4 + bytes);
         return out;
     };
-    const Image ab64 = row_of("AB", 64), A = row_of("A"), B = row_of("B");  // 128 pixels, no two neighbours equal
+    const Image A = row_of("A"), B = row_of("B");
     const struct { const char *id; Image row; int bytes; Bytes want; } cases[] = {
         {"300 equal", row_of("A", 300), 3, pk(0xFF, A, 3) + pk(0xFF, A, 3) + pk(0xAB, A, 3)},
-        {"raw then run", row_of("ABB"), 3, pk(0x00, A, 3) + pk(0x81, B, 3)},
-            {"lone last", row_of("AAB"), 4, pk(0x81, A, 4) + pk(0x80, B, 4)},
+        {"lone last", row_of("AAB"), 4, pk(0x81, A, 4) + pk(0x80, B, 4)},
         {"alpha counts", row_of("Aa"), 3, pk(0x01, row_of("Aa"), 3)},
-        // 128 raw, then X V V with V the 128th value: the run carries V over X.
-        {"carried pixel", row_of("AB", 64) + row_of("XBB"), 3, pk(0x7F, ab64, 3) + pk(0x82, B, 3)},
-        {"128 then 2", row_of("ABC", 43) + row_of("AB"), 3, pk(0x7F, row_of("ABC", 42) + row_of("AB"), 3)
-            + pk(0x02, row_of("CAB"), 3)},
+        {"carried pixel", row_of("AB", 64) + row_of("XBB"), 3, pk(0x7F, row_of("AB", 64), 3) + pk(0x82, B, 3)},
+        {"128 then 2", row_of("ABC", 43) + row_of("AB"), 3,
+         pk(0x7F, row_of("ABC", 42) + row_of("AB"), 3) + pk(0x02, row_of("CAB"), 3)},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(capture([&](FILE *s) { return WriteTGACompressedRow(s, c.row.data(), (int)c.row.size(), c.bytes),
-            0; }), c.want)
-            << c.id;
-}
-
-// A stream that accepts `room` bytes and then refuses.
-static ssize_t limited_write(void *room, const char *, size_t n)
-{
-    const size_t take = std::min(n, *(size_t *)room);
-    *(size_t *)room -= take;
-    return (ssize_t)take;
+    for (const auto &c : cases) {
+        auto fn = [&](FILE *s) { return WriteTGACompressedRow(s, c.row.data(), (int)c.row.size(), c.bytes), 1; };
+        EXPECT_EQ(capture(fn), c.want) << c.id;
+    }
 }
 
 TEST(writer_errors, StreamRefusesBytes)
@@ -128,53 +114,28 @@ TEST(writer_errors, StreamRefusesBytes)
         for (size_t room = 0, size = write_image(f, 6, 5, code).size(); room <= size; room++) {
             size_t left = room;
             FILE *s = fopencookie(&left, "w", {nullptr, limited_write, nullptr, nullptr});
-            EXPECT_EQ(Write_Bitmap(s, f.data(), 6, 5, code), room == size ? 1 : 0) << "code " << code << " room "
-                << room;
+            EXPECT_EQ(Write_Bitmap(s, f.data(), 6, 5, code), room == size) << "code " << code << " room " << room;
             fclose(s);
-        }
-}
-
-TEST(writer_roundtrip, OwnTgaReader)
-{
-    Image runs;  // runs of 1 to 4 of three colours
-    for (int i = 0; runs.size() < 1200; i++) runs.insert(runs.end(), 1 + i * 7 % 4, i % 3 ? k_red
-        : BitmapPixel{7, 8, 9, 100});
-    runs.resize(1200);
-    const struct { int nx, ny; Image im; } images[] = {{6, 5, make_f(6)}, {300, 4, runs}, {1, 1, make_f(1)},
-        {131, 1, row_of("AB", 64) + row_of("XBB")}};
-    for (const auto &c : images)
-        for (int code : {1, -1, 11, -11, 12, -12, 13, -13}) {
-            Bytes file = write_image(c.im, c.nx, c.ny, code);
-            Image back((size_t)c.nx * c.ny), want = c.im;
-            FILE *f = fmemopen(file.data(), file.size(), "rb");
-            int w = 0, h = 0;
-            EXPECT_TRUE(TGA_Read(f, back.data(), &w, &h) == 0 && w == c.nx && h == c.ny) << c.nx << " code " << code;
-            fclose(f);
-            if (c.nx == 131 && abs(code) >= 12) want = row_of("AB", 64) + row_of("BBB");  // X carried over as B
-            const bool alpha = abs(code) == 11 || abs(code) == 13;
-            EXPECT_EQ(rows_rgb(back, c.nx, c.ny, false, alpha), rows_rgb(want, c.nx, c.ny, code < 0, alpha)) << c.nx
-                << " code " << code;
         }
 }
 
 TEST(writer_readers, ImageMagickLibtiffGhostscriptNetpbm)
 {
-    // Each decoder prints the samples top row first. ImageMagick keeps a TGA's
-    // bottom-left origin as a tag until -auto-orient; Ghostscript renders one
-    // point per pixel at 72 dpi; pnmtoplainpnm prints "P3", the sizes, maxval.
-    const std::string im = "/usr/bin/convert %s -auto-orient -depth 8 rgb:-", gs = "/usr/bin/gs -q -dSAFER -dBATCH "
-        "-dNOPAUSE -sDEVICE=bitrgb -dGrayValues=256 -r72 -dEPSCrop -sOutputFile=- %s",
-            pnm = "/usr/bin/pnmtoplainpnm %s";
+    // Each decoder prints the samples top row first: ImageMagick after -auto-orient; Ghostscript one point per
+    // pixel at 72 dpi; pnmtoplainpnm "P3", the sizes and maxval, then the samples.
+    const std::string im = "/usr/bin/convert %s -auto-orient -depth 8 rgb:-", pnm = "/usr/bin/pnmtoplainpnm %s",
+        gs = "/usr/bin/gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=bitrgb -dGrayValues=256 -r72 -dEPSCrop "
+             "-sOutputFile=- %s";
     // top: the format shows its first written row on top (PPM, TIFF, EPS).
     const struct { const char *name; int code, nx; std::string decoder; bool top; } cases[] = {
-        {"b.tga", -1, 6, im, false}, {"d.tga", 12, 6, im, false},
-            {"f.tga", -13, 6, "/usr/bin/convert %s -auto-orient -depth 8 rgba:-", false},
-        {"b.ppm", 2, 6, pnm, true}, {"c.ppm", -2, 6, pnm, true}, {"b.bmp", -9, 4, im, false},
-            {"a.tif", -5, 6, im, true},
+        {"a.tga", 1, 6, im, false}, {"b.tga", -1, 6, im, false}, {"d.tga", 12, 6, im, false},
+        {"e.tga", 11, 6, "/usr/bin/convert %s -auto-orient -depth 8 rgba:-", false},
+        {"f.tga", -13, 6, "/usr/bin/convert %s -auto-orient -depth 8 rgba:-", false}, {"b.ppm", 2, 6, pnm, true},
+        {"c.ppm", -2, 6, pnm, true}, {"b.bmp", -9, 4, im, false}, {"a.tif", -5, 6, im, true},
         {"b.eps", 6, 6, gs, true}, {"d.eps", -7, 100, gs, true},
     };
     for (const auto &c : cases) {
-        const bool alpha = c.code == -13, grey = c.code == -7;
+        const bool alpha = c.code == -13 || c.code == 11, grey = c.code == -7;
         Image px = make_f(c.nx, grey ? BitmapPixel{0, 0, 0, 255} : k_blue);  // grey EPS: red (85) on black
         if (alpha) px[1].a = 128;
         const std::string path = testing::TempDir() + "quorl-writer-" + c.name;
@@ -187,9 +148,8 @@ TEST(writer_readers, ImageMagickLibtiffGhostscriptNetpbm)
         int status = -1;
         const std::string text = run(cmd, &status);
         EXPECT_EQ(status, 0) << cmd << " (scripts/setup.sh installs it)";
-        Bytes out(text.begin(), text.end());
-        std::istringstream in(text.substr(2));
-        if (c.decoder == pnm) out.clear();
+        Bytes out(text.begin(), c.decoder == pnm ? text.begin() : text.end());
+        std::istringstream in(text.size() > 2 ? text.substr(2) : "");  // "P3", then the sizes and maxval
         for (int v, skip = 3; c.decoder == pnm && in >> v;)
             if (skip-- <= 0) out.push_back((unsigned char)v);
         for (auto &p : px)
@@ -199,8 +159,7 @@ TEST(writer_readers, ImageMagickLibtiffGhostscriptNetpbm)
             const std::string info = run("/usr/bin/tiffinfo " + path + " 2>&1", &status);
             for (const char *field : {"Bits/Sample: 8", "Sample Format: unsigned integer", "Min Sample Value: 0",
                                       "Max Sample Value: 255", "Samples/Pixel: 3", "Rows/Strip: 5"})
-                EXPECT_TRUE(status == 0 && info.find(field) != std::string::npos
-                    && info.find("arning") == std::string::npos)
+                EXPECT_TRUE(status == 0 && info.find(field) != std::string::npos && info.find("arning") > info.size())
                     << field << " in\n" << info;
         }
         remove(path.c_str());

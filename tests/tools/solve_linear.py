@@ -1,16 +1,13 @@
 #!/usr/bin/python3
-"""Reference solutions by numpy.linalg.solve: solve_linear.py FILE, FILE holding
-blocks of "n", n lines of n coefficients (one equation each), one line of n
-right-hand sides. Prints one line of solution values per system."""
+"""solve_linear.py FILE: FILE holds blocks of "n", n lines of n coefficients (one equation each) and n right-hand
+sides; prints one line of numpy.linalg.solve's solution per block."""
 import sys
 
 import numpy as np
 
 tokens = open(sys.argv[1]).read().split()
-pos = 0
-while pos < len(tokens):
-    n = int(tokens[pos])
-    a = np.array([float(t) for t in tokens[pos + 1:pos + 1 + n * n]]).reshape(n, n)
-    b = np.array([float(t) for t in tokens[pos + 1 + n * n:pos + 1 + n * n + n]])
-    pos += 1 + n * n + n
-    print(" ".join(repr(float(v)) for v in np.linalg.solve(a, b)))
+while tokens:
+    n = int(tokens[0])
+    a, b, tokens = tokens[1:1 + n * n], tokens[1 + n * n:1 + n * n + n], tokens[1 + n * n + n:]
+    x = np.linalg.solve(np.array(a, dtype=float).reshape(n, n), np.array(b, dtype=float))
+    print(" ".join(repr(float(v)) for v in x))

@@ -1,7 +1,6 @@
-// tga2ppm - decodes a TGA file with the project's reader and writes binary
-// PPM (top row first) to standard output, so that other programs' decoders
-// can be compared with ours. Exit status: 0, or the reader's code, or 10 when
-// the file cannot be opened or the bitmap allocated.
+// tga2ppm - decodes a TGA file with the project's reader and writes binary PPM (top row first) to standard
+// output, to compare other programs' decoders with ours. Exit status: 0, the reader's code, or 10 when the file
+// cannot be opened or the bitmap allocated.
 #include <cstdio>
 
 #include "bitmap/bitmap.h"
@@ -15,10 +14,10 @@ int main(int argc, char **argv)
     BitmapPixel *bm = Create_Bitmap(w, h);
     const int code = bm ? TGA_Read(f, bm, &w, &h) : 10;
     fclose(f);
-    if (code == 0) {
-        printf("P6\n%d %d\n255\n", w, h);
-        for (int y = h - 1; y >= 0; y--)
-            for (int x = 0; x < w; x++) printf("%c%c%c", bm[y * w + x].r, bm[y * w + x].g, bm[y * w + x].b);
+    if (code == 0) printf("P6\n%d %d\n255\n", w, h);
+    for (int i = 0; code == 0 && i < w * h; i++) {
+        const BitmapPixel &p = bm[(h - 1 - i / w) * w + i % w];
+        printf("%c%c%c", p.r, p.g, p.b);
     }
     Destroy_Bitmap(bm);
     return code;
