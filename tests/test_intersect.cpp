@@ -58,10 +58,11 @@ TEST(Intersect, FoundPointsLieOnBoth)
         double s[8], x, y, u, mu, mu2;
         for (double &v : s) v = -10 + 20 * (rng() / 4294967296.0);
         Vec2 foot;
-        if (LineIntersect(s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], &x, &y) && ++hits)
+        if (LineIntersect(s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], &x, &y) && ++hits) {
             for (int k : {0, 4})
                 EXPECT_TRUE(PointLine2D(x, y, s[k], s[k + 1], s[k + 2], s[k + 3], &foot, &u) < 1e-9 && u >= -1e-9
                             && u <= 1 + 1e-9) << "seed 11 case " << t;
+        }
         const Vec3 a = {s[0], s[1], s[2]}, b = {s[3], s[4], s[5]}, c = {s[6] / 10, s[7] / 10, 0};
         if (!RaySphere(a, b, c, 3, &mu, &mu2)) continue;
         for (double m : {mu, mu2})  // both points lie on the sphere
