@@ -78,7 +78,8 @@ TEST(Fourier, RoundTripAndRefusals)
     }
     // The wave exp(+2 pi i (3i/nx + j/ny)) goes forward to 1 at (3, 1) only, and back.
     for (int k = 0; k < nx * ny; k++) {
-        const double t = 2 * M_PI * (3.0 * (k / ny) / nx + 1.0 * (k % ny) / ny);
+        const int row = k / ny, col = k % ny;
+        const double t = 2 * M_PI * (3.0 * row / nx + 1.0 * col / ny);
         cells[k] = {cos(t), sin(t)};
     }
     const std::vector<Complex> wave = cells;

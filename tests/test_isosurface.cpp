@@ -50,9 +50,10 @@ std::vector<Facet> sphere_mesh(int n, double r, bool by_tetra)
     Facet f[5];
     for (int i = 0; i < n * n * n; i++) {
         GridCell g;
+        const int ix = i % n, iy = i / n % n, iz = i / n / n;  // the cell's index along each axis
         for (int m = 0; m < 8; m++) {
-            g.p[m] = VectorSub({1, 1, 1}, {(i % n + corner[m].x) * 2 / n, (i / n % n + corner[m].y) * 2 / n,
-                                           (i / n / n + corner[m].z) * 2 / n});
+            g.p[m] = VectorSub({1, 1, 1}, {(ix + corner[m].x) * 2 / n, (iy + corner[m].y) * 2 / n,
+                                           (iz + corner[m].z) * 2 / n});
             g.val[m] = 1000 * DotProduct(VectorSub(c, g.p[m]), VectorSub(c, g.p[m]));
         }
         if (!by_tetra) out.insert(out.end(), f, f + PolygoniseCube(g, 1000 * r * r, f));

@@ -47,7 +47,7 @@ TEST(Rle, RoundTripsWithinWorstCase)
                 const Bytes packed = compress(in);
                 ASSERT_LE(packed.size(), in.size() + in.size() / 127 + 1) << alpha << " " << n;
                 for (size_t i = 0; i < packed.size();) {  // runs of 2..127, literals of 1..127, no empty packets
-                    const int c = (signed char)packed[i];
+                    const int c = packed[i] < 128 ? packed[i] : packed[i] - 256;  // the packet's signed count
                     ASSERT_TRUE(c >= 2 || c <= -1) << alpha << " " << n << " @" << i;
                     i += c > 0 ? 2 : 1 - c;
                 }

@@ -80,8 +80,10 @@ TEST(writer_bytes, WithoutAnOutsideReader)
     for (int code : {0, 10, -10, 14, INT_MIN})  // no such format: nothing written
         EXPECT_TRUE(write_image(f, 6, 5, code, &ok).empty() && ok == 0) << code;
     EXPECT_TRUE(write_image(f, -6, 5, 1, &ok).empty() && ok == 0);
-    for (const auto &[text, want, ret] : {std::tuple{"4Dabc", "4d ab 0c", 1}, {"00ff0g", "", 0}})  // odd end; not hex
-        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, text); }, &ok) == hx(want) && ok == ret) << text;
+    for (const auto &[text, want, ret] : {std::tuple{"4Dabc", "4d ab 0c", 1}, {"00ff0g", "", 0}}) {  // odd end; not hex
+        const char *hex = text;
+        EXPECT_TRUE(capture([&](FILE *s) { return BM_WriteHexString(s, hex); }, &ok) == hx(want) && ok == ret) << text;
+    }
     unsigned char buf[4] = {9, 9, 9, 9};
     EXPECT_EQ(capture([&](FILE *s) { return BM_WriteLongInt(s, buf, 0xFFFFFFFEu); }), hx("fffffffe"));
     EXPECT_EQ(Bytes(buf, buf + 4), hx("fffffffe"));
