@@ -30,6 +30,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include "app/arrays.h"
 #include "app/boxcount.h"
 #include "app/crop.h"
@@ -467,8 +469,12 @@ void write_image(py::object array, py::object name, py::object kind)
                 errno = 0;
                 const int ok = Write_Bitmap(f, bm.get(), p.width, p.height, k.code);
                 if (!ok) err = errno ? errno : EIO;
+                struct stat st;
+                const bool regular = fstat(fileno(f), &st) == 0 && S_ISREG(st.st_mode);
                 if (fclose(f) != 0 && !err) err = errno ? errno : EIO;
-                if (err) remove(n.path.c_str());  // no incomplete file left to be mistaken for a picture
+                // No incomplete file is left to be taken for a picture; a
+                // device or a pipe given as the name is of course kept.
+                if (err && regular) remove(n.path.c_str());
             }
         }
     }
