@@ -81,6 +81,14 @@ std::vector<py::object> items(py::handle v, size_t n, const std::string &what, c
     return out;
 }
 
+// True or False (a Python or numpy bool).
+bool flag(py::handle v, const std::string &what)
+{
+    if (PyBool_Check(v.ptr())) return v.ptr() == Py_True;
+    if (py::isinstance(v, py::module_::import("numpy").attr("bool_"))) return v.cast<bool>();
+    throw py::type_error(what + " must be True or False, not " + type_name(v));
+}
+
 // The settings of a quiet run with the program's defaults, then the
 // keywords of analyse on top.
 struct Settings {
@@ -137,7 +145,7 @@ Settings settings_of(const Keywords &k)
         std::sort(x.sizes.begin(), x.sizes.end(), std::greater<int>());
         x.sizes.erase(std::unique(x.sizes.begin(), x.sizes.end()), x.sizes.end());
     }
-    x.crop = k.crop.cast<bool>() ? 1 : 0;
+    x.crop = flag(k.crop, "crop");
     if (!k.region.is_none()) {
         const char *want = "(left, bottom, right, top) in pixels, with left < right and bottom < top";
         std::vector<py::object> r = items(k.region, 4, "region", want);
@@ -158,7 +166,7 @@ Settings settings_of(const Keywords &k)
     else
         x.threshold = (int)whole(k.threshold, "threshold", 0, 255,
                                  "None, \"otsu\" or a grey level from 0 to 255");
-    o.invert = k.invert.cast<bool>() ? 1 : 0;
+    o.invert = flag(k.invert, "invert");
     if (!k.fit_range.is_none()) {
         const char *want = "(smallest, largest) box sizes of 1 or more, either may be None";
         std::vector<py::object> r = items(k.fit_range, 2, "fit_range", want);
@@ -313,7 +321,7 @@ Outcome analyse_bw(unsigned char *bw, int w, int h, const Settings &s, const cha
     return out;
 }
 
-py::dict analyse(py::object image, const Keywords &k)
+py::dict analyse(py::handle image, const Keywords &k)
 {
     const Settings s = settings_of(k);
     Outcome out;
@@ -363,7 +371,7 @@ struct BitmapFree {
     void operator()(BitmapPixel *p) const { free(p); }
 };
 
-py::array read_image(py::object name)
+py::array read_image(const py::object &name)
 {
     if (!is_file_name(name)) throw py::type_error("name must be a file name, not " + type_name(name));
     const FileName n = file_name(name);
@@ -378,7 +386,7 @@ py::array read_image(py::object name)
         status = LoadRGBA(n.path.c_str(), &bm, &why, &info);
         err = errno;
     }
-    const std::unique_ptr<BitmapPixel, void (*)(BitmapPixel *)> keep(bm, Destroy_Bitmap);
+    const std::unique_ptr<BitmapPixel, void (*)(BitmapPixel *)> owned(bm, Destroy_Bitmap);
     if (status != LOAD_OK) raise_load_error(status, err, n, why);
     const int w = info.width, h = info.height;
     py::array_t<uint8_t> out({(py::ssize_t)h, (py::ssize_t)w, (py::ssize_t)4});
@@ -388,7 +396,7 @@ py::array read_image(py::object name)
         // Top row first; alpha 255, as the analysis sees every pixel (the TGA
         // reader's alpha plays no part in it, other formats are flattened).
         for (int y = 0; y < h; y++) {
-            const BitmapPixel *row = bm + (size_t)(h - 1 - y) * w;
+            const BitmapPixel *row = owned.get() + (size_t)(h - 1 - y) * w;
             uint8_t *o = dst + (size_t)y * w * 4;
             for (int x = 0; x < w; x++, o += 4) o[0] = row[x].r, o[1] = row[x].g, o[2] = row[x].b, o[3] = 255;
         }
@@ -401,15 +409,15 @@ py::array read_image(py::object name)
 // first for PPM, TIFF, EPS and raw bytes (as the array keeps them).
 struct Kind {
     const char *name;
-    int code;
     const char *extensions;  // that imply the kind when none is given
+    int code;
     bool short_sides;        // the width and height go into 16-bit fields
 };
 const Kind kinds[] = {
-    {"tga", 1, ".tga", true},         {"tga32", 11, "", true},         {"tga-rle", 12, "", true},
-    {"tga-rle32", 13, "", true},      {"ppm", -2, ".ppm", false},      {"raw-header", 3, "", true},
-    {"raw-grey", -4, "", false},      {"tiff", -5, ".tif .tiff", true}, {"eps", -6, ".eps", false},
-    {"eps-grey", -7, "", false},      {"raw", -8, ".raw", false},      {"bmp", 9, ".bmp", false},
+    {"tga", ".tga", 1, true},        {"tga32", "", 11, true},         {"tga-rle", "", 12, true},
+    {"tga-rle32", "", 13, true},     {"ppm", ".ppm", -2, false},      {"raw-header", "", 3, true},
+    {"raw-grey", "", -4, false},     {"tiff", ".tif .tiff", -5, true}, {"eps", ".eps", -6, false},
+    {"eps-grey", "", -7, false},     {"raw", ".raw", -8, false},      {"bmp", ".bmp", 9, false},
 };
 
 std::string kind_names()
@@ -439,7 +447,7 @@ const Kind &kind_of(py::handle kind, const FileName &n)
     throw py::value_error("kind must be one of " + kind_names() + ", not " + text_of(kind));
 }
 
-void write_image(py::object array, py::object name, py::object kind)
+void write_image(const py::object &array, const py::object &name, const py::object &kind)
 {
     if (!py::isinstance<py::array>(array)) throw py::type_error("array must be a numpy array, not " +
                                                                 type_name(array));
@@ -578,15 +586,16 @@ Raises OSError when the file cannot be written; no partial file is left.
 
 PYBIND11_MODULE(quorl, m)
 {
-    py::options options;
-    options.disable_function_signatures();
+    py::options signatures;
+    signatures.disable_function_signatures();
     m.doc() = module_doc;
     m.attr("__version__") = QUORL_VERSION;
     m.def(
         "analyse",
-        [](py::object image, py::object start, py::object end, py::object factor, py::object samples,
-           py::object seed, py::object offsets, py::object sizes, py::object crop, py::object region,
-           py::object threshold, py::object invert, py::object fit_range) {
+        [](const py::object &image, const py::object &start, const py::object &end, const py::object &factor,
+           const py::object &samples, const py::object &seed, const py::object &offsets, const py::object &sizes,
+           const py::object &crop, const py::object &region, const py::object &threshold, const py::object &invert,
+           const py::object &fit_range) {
             return analyse(image, Keywords{start, end, factor, samples, seed, offsets, sizes, crop, region,
                                            threshold, invert, fit_range});
         },

@@ -142,6 +142,7 @@ bad = [  # (call, exception, words of its message)
     (lambda: quorl.analyse(line, threshold=256), ValueError, "threshold"),
     (lambda: quorl.analyse(line, fit_range=(8, 4)), ValueError, "smaller first"),
     (lambda: quorl.analyse(line, fit_range=8), TypeError, "fit_range"),
+    (lambda: quorl.analyse(line, crop="yes"), TypeError, "True or False"),
     (lambda: quorl.analyse(os.path.join(tmp, "none.tga")), FileNotFoundError, "none.tga"),
     (lambda: quorl.analyse(garbage), OSError, "garbage.png"),
     (lambda: quorl.read_image(os.path.join(tmp, "none.png")), FileNotFoundError, "none.png"),
