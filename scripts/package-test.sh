@@ -1,9 +1,10 @@
 #!/bin/sh
 # Builds the Debian package, installs it with dpkg -i, and checks what a user
 # of the package gets: the program runs a quiet analysis of the bundled
-# carpet, the manual page is in place, and the example program builds against
-# the installed libraries with CMake and with pkg-config. Then removes the
-# package again (also when a check fails).
+# carpet, the manual page is in place, Debian's python3 imports the module
+# from where the package put it and analyses the carpet, and the example
+# program builds against the installed libraries with CMake and with
+# pkg-config. Then removes the package again (also when a check fails).
 #
 #   scripts/package-test.sh [build directory]     (default: build-package)
 #
@@ -40,6 +41,16 @@ tail -n 1 "$WORK/carpet.out" | sed 's/^/   /'
 grep -q '^Estimated fractal dimension:  1\.8' "$WORK/carpet.out"
 test -f /usr/share/man/man1/quorl.1
 test -f /usr/share/doc/quorl/examples/carpet.tga
+
+echo "Python module of the package:"
+CARPET="$(pwd)/examples/carpet.tga"  # run from elsewhere, so that no module of the tree is found
+(cd "$WORK" && env -u PYTHONPATH /usr/bin/python3 - "$CARPET") <<'PY'
+import sys, quorl
+assert quorl.__file__.startswith("/usr/lib/python3/dist-packages/"), quorl.__file__
+dimension = quorl.analyse(sys.argv[1], seed=1)["fit"]["dimension"]
+assert 1.8 < dimension < 1.9, dimension
+print("   quorl", quorl.__version__, "from", quorl.__file__, "dimension %.3f" % dimension)
+PY
 
 echo "Example program against the installed libraries:"
 cp -r examples/imagestats "$WORK/src"

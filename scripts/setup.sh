@@ -9,7 +9,8 @@ imagemagick netpbm libtiff-tools ghostscript faketime \
 xvfb xdotool x11-utils python3-numpy python3-scipy python3-ezdxf sox \
 clang libclang-rt-14-dev cppcheck clang-tidy mandoc groff-base dpkg-dev \
 libvips-dev python3-skimage python3-pil python3-tifffile webp \
-libboost-dev nlohmann-json3-dev libcairo2-dev librsvg2-bin parallel"
+libboost-dev nlohmann-json3-dev libcairo2-dev librsvg2-bin parallel \
+pybind11-dev python3-dev"
 
 missing=""
 for p in $PKGS; do
