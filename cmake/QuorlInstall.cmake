@@ -57,7 +57,7 @@ set(CPACK_PACKAGE_CONTACT "Quorl maintainers <quorl@example.org>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libvips42 (>= 8.12)")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libvips42 (>= 8.12), libcpp-httplib0.11")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 # `make package_source`: the sources without build trees or caches.
