@@ -68,7 +68,6 @@ async function download(page, selector) {
     await page.fill('input[name=seed]', '7');
     await drop(page, 'examples/carpet.tga');
     await page.waitForSelector('#result:not([hidden])');
-    await page.screenshot({ path: path.join(shots, 'serve-finished.png'), fullPage: true });
     check('browser-2.1 D', (await page.textContent('#dimension')) === estimate, estimate);
     const rows = await page.$$eval('#table tbody tr', (trs) => trs.map((tr) =>
       [...tr.cells].slice(1, 3).map((c) => Number(c.textContent))));
@@ -83,6 +82,7 @@ async function download(page, selector) {
     const slope = rest.reduce((a, p) => a + (p[0] - mx) * (p[1] - my), 0) / rest.reduce((a, p) => a + (p[0] - mx) ** 2, 0);
     const shown = Number(await page.getAttribute('#dimension', 'data-value'));
     check('browser-3.1 refit', Math.abs(shown - slope) < 1e-9, [shown, slope]);
+    await page.screenshot({ path: path.join(shots, 'serve-finished.png'), fullPage: true });
     check('browser-3.2 left out', await page.$eval('#table tbody tr', (tr) => tr.className === 'out'));
 
     // browser-4: the downloads open.
