@@ -35,11 +35,10 @@ bool whole(const std::string &s, int *v)
 // "", 1, true, yes, on: set; 0, false, no, off: clear.
 bool flag(const std::string &s, int *v)
 {
-    for (const char *w : {"", "1", "true", "yes", "on"})
-        if (s == w) return (*v = 1), true;
-    for (const char *w : {"0", "false", "no", "off"})
-        if (s == w) return (*v = 0), true;
-    return false;
+    const bool on = s.empty() || s == "1" || s == "true" || s == "yes" || s == "on";
+    if (!on && s != "0" && s != "false" && s != "no" && s != "off") return false;
+    *v = on;
+    return true;
 }
 
 // A long option's value through the command line's own table, so the two
@@ -69,6 +68,12 @@ std::string pbm_of(const Analysis *a)
             if (row[x] < 128) bits[x >> 3] |= (char)(0x80 >> (x & 7));
     }
     return out;
+}
+
+// "samples wants a whole number, not \"many\"".
+void wants(const std::string &key, const char *what, const std::string &value, std::string *error)
+{
+    *error = key + " wants " + what + ", not \"" + value + "\"";
 }
 
 struct AnalysisFree {
@@ -168,18 +173,18 @@ void count(Job *job, AnalysisPtr a)
 
 int ParseJobParams(const JobParams &params, Options *o, ExtraOptions *x, std::string *name, std::string *error)
 {
-    for (const auto &[key, value] : params) {
+    for (const auto &param : params) {
+        const std::string &key = param.first, &value = param.second;
         int n = 0;
         const bool number = whole(value, &n);
-        auto not_number = [&] { *error = key + " wants a whole number, not \"" + value + "\""; };
+        auto not_number = [&] { wants(key, "a whole number", value, error); };
         if (key == "seed" || key == "offsets" || key == "sizes" || key == "threshold") {
             if (!long_option(key, ("--" + key).c_str(), value, x, error)) return 0;
         } else if (key == "fit_range") {
             if (!long_option(key, "--fit-range", value, x, error)) return 0;
         } else if (key == "crop" || key == "invert") {
             if (!flag(value, key == "crop" ? &x->crop : &o->invert)) {
-                *error = key + " wants 1 or 0 (true or false), not \"" + value + "\"";
-                return 0;
+                return wants(key, "1 or 0 (true or false)", value, error), 0;
             }
         } else if (key == "samples" || key == "start" || key == "end") {
             if (!number) return not_number(), 0;
@@ -191,8 +196,7 @@ int ParseJobParams(const JobParams &params, Options *o, ExtraOptions *x, std::st
             char *end;
             const float f = strtof(value.c_str(), &end);
             if (value.empty() || *end) {
-                *error = "factor wants a number, such as 1.2, not \"" + value + "\"";
-                return 0;
+                return wants(key, "a number, such as 1.2", value, error), 0;
             }
             o->boxfactor = f > 1.0f ? f : 1.1f;  // as -bf: 1.0 or less (or nan) gives 1.1
         } else if (key == "left" || key == "right" || key == "bottom" || key == "top") {
@@ -203,7 +207,8 @@ int ParseJobParams(const JobParams &params, Options *o, ExtraOptions *x, std::st
         } else if (key == "name") {
             *name = value.substr(0, sizeof o->filename - 1);
         } else {
-            *error = "unknown parameter \"" + key + "\"";
+            *error = "unknown parameter \"";
+            *error += key + "\"";
             return 0;
         }
     }

@@ -132,9 +132,13 @@ bool make_room(Registry *r)
     {
         std::lock_guard<std::mutex> lock(r->m);
         if (r->jobs.size() < kMaxJobs) return true;
-        for (auto it = r->jobs.begin(); it != r->jobs.end() && !old; ++it) {
-            std::lock_guard<std::mutex> job_lock(it->second->m);
-            if (it->second->view.state != JOB_RUNNING) old = it->second, r->jobs.erase(it);
+        for (auto it = r->jobs.begin(); it != r->jobs.end(); ++it) {
+            std::unique_lock<std::mutex> job_lock(it->second->m);
+            if (it->second->view.state == JOB_RUNNING) continue;
+            job_lock.unlock();
+            old = it->second;
+            r->jobs.erase(it);
+            break;
         }
     }
     if (old) StopJob(old.get());
@@ -378,7 +382,7 @@ int RunServer(const Options *o, const ExtraOptions *x)
     pthread_t signal_thread;
     pthread_create(&signal_thread, nullptr, wait_for_signal, &shutdown);
     const bool ok = server.listen_after_bind();
-    if (!stopping) pthread_kill(signal_thread, SIGTERM);  // the server ended by itself: end the waiter too
+    if (!stopping) kill(getpid(), SIGTERM);  // the server ended by itself: wake the waiter (every thread blocks it)
     pthread_join(signal_thread, nullptr);
 
     std::lock_guard<std::mutex> lock(registry.m);
