@@ -88,14 +88,6 @@ struct AnalysisFree {
     void operator()(Analysis *a) const { FreeAnalysis(a); }
 };
 
-// The one-line reason a quiet run gives for a file it could not read.
-std::string load_error(LoadStatus status, const std::string &file, const std::string &why)
-{
-    if (status == LOAD_NO_FILE) return "Failed to open file \"" + file + "\"";
-    if (status == LOAD_NO_MEMORY) return "Failed to create image";
-    return why.empty() ? "Image read failed" : "Image read failed: " + why;
-}
-
 }  // namespace
 
 BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraOptions *x)
@@ -114,7 +106,7 @@ BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraO
     LoadInfo info;
     const LoadStatus status = LoadBlackWhite(file.c_str(), o, x, &bw, &w, &h, &why, &info);
     if (info.has_size) r.width = info.width, r.height = info.height;
-    if (status != LOAD_OK) return fail(load_error(status, file, why));
+    if (status != LOAD_OK) return fail(LoadErrorText(status, file, why));
 
     // The same steps as a quiet run: the image, the region, two resets (and
     // one more after a crop), then the whole analysis.

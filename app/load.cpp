@@ -33,7 +33,11 @@ struct Source {
     size_t size = 0;
     unsigned char head[16] = {0};
     size_t nhead = 0;
-    ~Source() { free(data); }
+    bool owned = true;  // data is ours to free (not a caller's buffer)
+    ~Source()
+    {
+        if (owned) free(data);
+    }
 };
 
 // Reads all of f into s. False when it is larger than max_input or memory.
@@ -173,20 +177,11 @@ LoadStatus decoded(int code)
     return code == DECODE_OK ? LOAD_OK : code == DECODE_NOMEMORY ? LOAD_NO_MEMORY : LOAD_FAILED;
 }
 
-}  // namespace
-
-LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
-                          int *h, std::string *why, LoadInfo *info)
+// The black/white image of an opened source, for both entry points below.
+LoadStatus black_white(const Source &s, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
+                       int *h, std::string *why, LoadInfo *info)
 {
-    LoadInfo local;
-    if (!info) info = &local;
-    *info = LoadInfo{};
-    *bw = nullptr;
-    why->clear();
-    Source s;
-    LoadStatus status = open_source(name, &s, why);
-    if (status != LOAD_OK) return status;
-
+    LoadStatus status;
     BwRows rows;
     rows.otsu = x->threshold == kThresholdOtsu;
     rows.rule = ThresholdRule{rows.otsu ? kThresholdFixed : x->threshold, o->invert};
@@ -220,6 +215,46 @@ LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions
     *w = rows.w;
     *h = rows.h;
     return LOAD_OK;
+}
+
+}  // namespace
+
+LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
+                          int *h, std::string *why, LoadInfo *info)
+{
+    LoadInfo local;
+    if (!info) info = &local;
+    *info = LoadInfo{};
+    *bw = nullptr;
+    why->clear();
+    Source s;
+    const LoadStatus status = open_source(name, &s, why);
+    if (status != LOAD_OK) return status;
+    return black_white(s, o, x, bw, w, h, why, info);
+}
+
+LoadStatus LoadBlackWhiteData(const void *data, size_t size, const Options *o, const ExtraOptions *x,
+                              unsigned char **bw, int *w, int *h, std::string *why, LoadInfo *info)
+{
+    LoadInfo local;
+    if (!info) info = &local;
+    *info = LoadInfo{};
+    *bw = nullptr;
+    why->clear();
+    Source s;
+    s.data = (unsigned char *)const_cast<void *>(data);  // only read, never freed: owned is false
+    s.owned = false;
+    s.size = size;
+    s.nhead = size < sizeof s.head ? size : sizeof s.head;
+    if (s.nhead) memcpy(s.head, data, s.nhead);
+    return black_white(s, o, x, bw, w, h, why, info);
+}
+
+std::string LoadErrorText(LoadStatus status, const std::string &file, const std::string &why)
+{
+    if (status == LOAD_NO_FILE) return "Failed to open file \"" + file + "\"";
+    if (status == LOAD_NO_MEMORY) return "Failed to create image";
+    return why.empty() ? "Image read failed" : "Image read failed: " + why;
 }
 
 LoadStatus LoadRGBA(const char *name, BitmapPixel **image, std::string *why, LoadInfo *info)

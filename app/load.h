@@ -40,6 +40,13 @@ struct LoadInfo {
 LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
                           int *h, std::string *why, LoadInfo *info = nullptr);
 
+// The same from the size bytes at data (an upload held in memory), which
+// stay the caller's.
+LoadStatus LoadBlackWhiteData(const void *data, size_t size, const Options *o, const ExtraOptions *x,
+                              unsigned char **bw, int *w, int *h, std::string *why, LoadInfo *info = nullptr);
+// The one-line reason a quiet run gives for a file it could not read.
+std::string LoadErrorText(LoadStatus status, const std::string &file, const std::string &why);
+
 // Reads name into a new bitmap (Create_Bitmap) at *image, destroying the one
 // there first; TGA files exactly as TGA_Read reads them, other formats as
 // app/decode.h describes. On failure *image is null or partly filled, and

@@ -2,6 +2,7 @@
 #include "app/longopts.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -130,6 +131,37 @@ bool plot(ExtraOptions *x, const char *v, std::string *err)
     return true;
 }
 
+bool port(ExtraOptions *x, const char *v, std::string *err)
+{
+    long n;
+    if (!integer(v, 0, 65535, &n)) {
+        *err = "--port wants a port number from 0 to 65535 (0: any free port), not \"" + std::string(v) + "\"";
+        return false;
+    }
+    x->port = (int)n;
+    return true;
+}
+
+// A number of bytes, with an optional K, M or G (powers of 1024).
+bool max_upload(ExtraOptions *x, const char *v, std::string *err)
+{
+    std::string digits(v);
+    int shift = 0;
+    const char unit = digits.empty() ? 0 : (char)toupper((unsigned char)digits.back());
+    if (unit == 'K' || unit == 'M' || unit == 'G') {
+        shift = unit == 'K' ? 10 : unit == 'M' ? 20 : 30;
+        digits.pop_back();
+    }
+    long n;
+    if (!integer(digits.c_str(), 1, (LONG_MAX >> 30) - 1, &n)) {
+        *err = "--max-upload wants a size in bytes, or with K, M or G (such as 64M), not \"" + std::string(v) +
+               "\"";
+        return false;
+    }
+    x->max_upload = (long long)n << shift;
+    return true;
+}
+
 const LongOption table[] = {
     {"help", nullptr, "this text, every switch (on standard output)", nullptr},
     {"version", nullptr, "the version", nullptr},
@@ -150,6 +182,12 @@ const LongOption table[] = {
     {"jsonl", "FILE", "also write the batch as one JSON object a line to FILE",
      [](ExtraOptions *x, const char *v, std::string *) { return (x->jsonl = v), true; }},
     {"jobs", "N", "analyse N images at once (default: one per core)", jobs},
+    {"serve", nullptr, "serve the browser front-end and its API over HTTP (on 127.0.0.1 unless --bind)",
+     [](ExtraOptions *x, const char *, std::string *) { return (x->serve = 1); }},
+    {"port", "N", "the port of --serve (default 8080; 0 picks a free one)", port},
+    {"bind", "ADDR", "the address --serve listens on (0.0.0.0: every interface)",
+     [](ExtraOptions *x, const char *v, std::string *) { return (x->bind = v), true; }},
+    {"max-upload", "SIZE", "refuse images larger than SIZE bytes (K, M, G allowed; default 512M)", max_upload},
 };
 
 }  // namespace

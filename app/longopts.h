@@ -26,6 +26,10 @@ struct ExtraOptions {
     std::string csv;                  // --csv FILE: the batch table (default standard output)
     std::string jsonl;                // --jsonl FILE: the batch as JSON lines
     int jobs = 0;                     // --jobs N: images at once; 0 = the number of cores
+    int serve = 0;                    // --serve: the HTTP server and its page
+    int port = 8080;                  // --port N
+    std::string bind = "127.0.0.1";   // --bind ADDR: where the server listens (loopback by default)
+    long long max_upload = 512ll << 20;  // --max-upload SIZE: the largest image a client may send, bytes
 };
 
 extern ExtraOptions extras;  // those of the program's own analysis

@@ -14,6 +14,7 @@
 #include "app/options.h"
 #include "app/progress.h"
 #include "app/results.h"
+#include "app/serve.h"
 #include "bitmap/pixels.h"
 
 #ifdef QUORL_GUI
@@ -26,6 +27,7 @@ int main(int argc, char **argv)
     SetDefaultOptions(&args);
     ParseCommandLine(argc, argv, &args);
     if (!extras.batch.empty()) return RunBatch(&options, &extras);
+    if (extras.serve) return RunServer(&options, &extras);
 
     if (!options.quiet) {
         if (!extras.json.empty() || !extras.plot.empty())

@@ -10,7 +10,9 @@ xvfb xdotool x11-utils python3-numpy python3-scipy python3-ezdxf sox \
 clang libclang-rt-14-dev cppcheck clang-tidy mandoc groff-base dpkg-dev \
 libvips-dev python3-skimage python3-pil python3-tifffile webp \
 libboost-dev nlohmann-json3-dev libcairo2-dev librsvg2-bin parallel \
-pybind11-dev python3-dev"
+pybind11-dev python3-dev \
+libcpp-httplib-dev nodejs chromium"
+command -v npm >/dev/null 2>&1 || PKGS="$PKGS npm"  # a nodejs from elsewhere may bring its own
 
 missing=""
 for p in $PKGS; do
@@ -23,4 +25,13 @@ if [ -n "$missing" ]; then
     [ "$(id -u)" -ne 0 ] && SUDO=sudo
     $SUDO apt-get update
     DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y --no-install-recommends $missing
+fi
+
+# The page of quorl --serve bundles its chart library (uPlot) at build time,
+# and the browser test drives Debian's chromium with playwright-core: both
+# from npm, at the versions of package-lock.json, into node_modules/.
+cd "$(dirname "$0")/.."
+if [ ! -d node_modules/uplot ] || [ ! -d node_modules/playwright-core ] ||
+   [ package-lock.json -nt node_modules/.package-lock.json ]; then
+    npm ci --no-audit --no-fund
 fi

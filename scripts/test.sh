@@ -29,9 +29,10 @@ reports="$(pwd)/build-asan/sanitizer-reports"
 rm -rf "$reports"
 mkdir -p "$reports"
 failed=0
+LSAN_OPTIONS=print_suppressions=0 \
 ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=1:check_initialization_order=1:exitcode=86:log_path="$reports/report" \
 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1:exitcode=86:log_path="$reports/report" \
-    ctest --test-dir build-asan --output-on-failure -j2 -LE 'gui|heavy|install|python' || failed=1
+    ctest --test-dir build-asan --output-on-failure -j2 -LE 'gui|heavy|install|python|browser' || failed=1
 if [ -n "$(ls "$reports")" ] ||
     grep -qE "runtime error:|ERROR: (Address|Leak)Sanitizer" build-asan/Testing/Temporary/LastTest.log; then
     cat "$reports"/* 2>/dev/null || true

@@ -79,13 +79,24 @@ static double fake_clock(void) { return fake_now += 0.001; }  // every reading a
 
 TEST_F(Commands, IdleRedrawThrottle)
 {
-    for (int i = 0; i < 50; i++) EXPECT_EQ(IdleStep(fake_clock), 1) << "idle: every call redraws";
+    // Idle: a redraw about every 1/60 s, and the loop may sleep until it is due.
+    double last = fake_now;
+    const double t0 = fake_now;
+    int redraws = 0;
+    for (int calls = 0; calls < 200; calls++) {
+        const double wait = IdleSleep(fake_clock);
+        EXPECT_TRUE(wait >= 0 && wait <= kIdleFrame) << wait;
+        if (!IdleStep(fake_clock)) continue;
+        EXPECT_TRUE(calls < 2 || (fake_now - last >= kIdleFrame && fake_now - last <= kIdleFrame + 0.004))
+            << "idle redraw after " << fake_now - last;
+        last = fake_now, redraws++;
+    }
+    EXPECT_TRUE(redraws >= 20 && redraws <= (fake_now - t0) * 60 + 1) << redraws << " idle redraws";
 
     options.nsamples = 1000, options.processing = 1;  // running for every call below
     fake_now += 1;
     IdleStep(fake_clock);  // a redraw, after a second without one
-    double last = fake_now;
-    int redraws = 0;
+    last = fake_now, redraws = 0;
     for (int calls = 0; calls < 3000; calls++) {
         if (!IdleStep(fake_clock)) continue;
         EXPECT_TRUE(fake_now - last >= 0.1 - 1e-9 && fake_now - last <= 0.1025) << "redraw after " << fake_now - last;

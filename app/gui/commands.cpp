@@ -91,18 +91,31 @@ void FormatOptionField(OptionField field, char *out, size_t n)
     }
 }
 
+namespace {
+double tstart = -1.0;  // time of the last redraw
+}
+
 int IdleStep(double (*clock)(void))
 {
-    static double tstart = -1.0;  // time of the last redraw
     if (tstart < 0) tstart = clock();
-    if (options.processing && BoxCount(1)) {
+    const bool finished = options.processing && BoxCount(1);
+    if (finished) {
         options.processing = 0;
         ExitIfAnalysisFailed(CurrentAnalysis());
     }
     const double tstop = clock();
     // Drawing and panel polling cost far more than a box test: while the
-    // analysis runs, do them only every 0.1 s.
+    // analysis runs, do them only every 0.1 s. While idle, a frame rate is
+    // enough; drawing faster only burns a core when vertical sync is off.
     if (options.processing && tstop - tstart < 0.1) return 0;
+    if (!options.processing && !finished && tstop - tstart < kIdleFrame) return 0;
     tstart = tstop;
     return 1;
+}
+
+double IdleSleep(double (*clock)(void))
+{
+    if (options.processing || tstart < 0) return 0;
+    const double left = tstart + kIdleFrame - clock();
+    return left > 0 ? left : 0;
 }

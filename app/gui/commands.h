@@ -35,7 +35,11 @@ void FormatOptionField(OptionField field, char *out, size_t n);
 
 // One idle call: steps the analysis once while processing (clearing
 // processing when it finishes) and returns 1 when the window should be
-// redrawn and the panels polled: on every call while idle, at most every
-// 0.1 s of clock time while processing, and at once when the analysis has
-// just finished. clock gives seconds.
+// redrawn and the panels polled: at most every kIdleFrame seconds while
+// idle, at most every 0.1 s of clock time while processing, and at once
+// when the analysis has just finished. clock gives seconds.
 int IdleStep(double (*clock)(void));
+constexpr double kIdleFrame = 1.0 / 60;  // about 60 redraws a second while idle
+// How long the idle loop may sleep before its next call has anything to
+// do: while idle, until the next redraw is due; 0 while processing.
+double IdleSleep(double (*clock)(void));

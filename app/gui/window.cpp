@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include <unistd.h>
+
 #include "app/boxcount.h"
 #include "app/gui/commands.h"
 #include "app/gui/gui.h"
@@ -184,7 +186,11 @@ void UpdateWindow(void)
 
 void HandleIdle(void)
 {
-    if (!IdleStep(GetRunTime)) return;
+    if (!IdleStep(GetRunTime)) {
+        const double wait = IdleSleep(GetRunTime);  // idle: no core spent spinning until the next frame
+        if (wait > 0) usleep((useconds_t)(wait * 1e6));
+        return;
+    }
     glutPostRedisplay();
     PollPanels();
 }
