@@ -19,6 +19,7 @@
 #include "app/crop.h"
 #include "app/fit.h"
 #include "app/load.h"
+#include "app/prepare.h"
 #include "app/report.h"
 
 namespace {
@@ -84,9 +85,6 @@ std::string clock_text(double seconds)
     return buf;
 }
 
-struct AnalysisFree {
-    void operator()(Analysis *a) const { FreeAnalysis(a); }
-};
 
 }  // namespace
 
@@ -108,25 +106,17 @@ BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraO
     if (info.has_size) r.width = info.width, r.height = info.height;
     if (status != LOAD_OK) return fail(LoadErrorText(status, file, why));
 
-    // The same steps as a quiet run: the image, the region, two resets (and
-    // one more after a crop), then the whole analysis.
-    std::unique_ptr<Analysis, AnalysisFree> a(CreateAnalysis(o, x));
-    if (!a) {
-        free(bw);
-        return fail("Failed to create image");
-    }
-    snprintf(a->own.filename, sizeof a->own.filename, "%s", file.c_str());
-    if (!a->own.useregion) a->own.left = 0, a->own.right = 100000, a->own.top = 100000, a->own.bottom = 0;
-    SetAnalysisImage(a.get(), bw, w, h);
-    ResetAnalysis(a.get());
-    if (x->crop && CropToBlack(a.get())) ResetAnalysis(a.get());
-    ResetAnalysis(a.get());
-    if (BlackPixelsInRegion(a.get()) == 0) return fail("no black pixels in the analysed region");
-    if (!RunAnalysis(a.get())) {
-        if (a->failed) return fail("Out of memory while counting boxes");
-        return fail("the start box size is " + std::to_string(a->results[0].size) +
+    AnalysisPtr a;
+    int start = 0;
+    switch (PrepareAnalysis(bw, w, h, o, x, file.c_str(), &a, &start)) {
+    case PREPARE_OK: break;
+    case PREPARE_NO_MEMORY: return fail("Failed to create image");
+    case PREPARE_NO_BLACK: return fail("no black pixels in the analysed region");
+    case PREPARE_CANNOT_FINISH:
+        return fail("the start box size is " + std::to_string(start) +
                     ": the analysis cannot finish; give a start size with -b1");
     }
+    if (!RunAnalysis(a.get())) return fail("Out of memory while counting boxes");
     FitSummary f;
     SummariseFit(a.get(), &f);
     const LineFit &l = f.line;

@@ -12,10 +12,10 @@
 #include <unistd.h>
 
 #include "app/boxcount.h"
-#include "app/crop.h"
 #include "app/fit.h"
 #include "app/load.h"
 #include "app/plot.h"
+#include "app/prepare.h"
 #include "app/report.h"
 
 namespace {
@@ -76,10 +76,6 @@ void wants(const std::string &key, const char *what, const std::string &value, s
     *error = key + " wants " + what + ", not \"" + value + "\"";
 }
 
-struct AnalysisFree {
-    void operator()(Analysis *a) const { FreeAnalysis(a); }
-};
-using AnalysisPtr = std::unique_ptr<Analysis, AnalysisFree>;
 
 // The plot as SVG text, through a temporary file (the plotter writes files).
 std::string plot_svg(const FitSummary *f)
@@ -226,26 +222,14 @@ std::shared_ptr<Job> StartJob(const std::string &id, const void *data, size_t si
         *error = LoadErrorText(status, name, why);
         return nullptr;
     }
-    // The same steps as a quiet run: the image, the region, two resets (and
-    // one more after a crop), then the whole analysis.
-    AnalysisPtr a(CreateAnalysis(o, x));
-    if (!a) {
-        free(bw);
-        *error = "Failed to create image";
-        return nullptr;
-    }
-    snprintf(a->own.filename, sizeof a->own.filename, "%s", name.c_str());
-    if (!a->own.useregion) a->own.left = 0, a->own.right = 100000, a->own.top = 100000, a->own.bottom = 0;
-    SetAnalysisImage(a.get(), bw, w, h);
-    ResetAnalysis(a.get());
-    if (x->crop && CropToBlack(a.get())) ResetAnalysis(a.get());
-    ResetAnalysis(a.get());
-    if (BlackPixelsInRegion(a.get()) == 0) {
-        *error = "no black pixels in the analysed region";
-        return nullptr;
-    }
-    if (a->results[0].size < 1 && a->opt->top > a->opt->bottom) {
-        *error = "the start box size is " + std::to_string(a->results[0].size) +
+    AnalysisPtr a;
+    int start = 0;
+    switch (PrepareAnalysis(bw, w, h, o, x, name.c_str(), &a, &start)) {
+    case PREPARE_OK: break;
+    case PREPARE_NO_MEMORY: *error = "Failed to create image"; return nullptr;
+    case PREPARE_NO_BLACK: *error = "no black pixels in the analysed region"; return nullptr;
+    case PREPARE_CANNOT_FINISH:
+        *error = "the start box size is " + std::to_string(start) +
                  ": the analysis cannot finish; give a start size";
         return nullptr;
     }

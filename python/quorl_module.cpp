@@ -34,9 +34,9 @@
 
 #include "app/arrays.h"
 #include "app/boxcount.h"
-#include "app/crop.h"
 #include "app/fit.h"
 #include "app/load.h"
+#include "app/prepare.h"
 #include "app/report.h"
 #include "bitmap/writer.h"
 
@@ -273,9 +273,6 @@ ImageArray image_array(py::handle v)
 
 // ==== SECTION analyse ===========================================================
 
-struct AnalysisFree {
-    void operator()(Analysis *a) const { FreeAnalysis(a); }
-};
 
 // How an analysis went, decided without the interpreter's lock.
 struct Outcome {
@@ -289,30 +286,23 @@ struct Outcome {
 Outcome analyse_bw(unsigned char *bw, int w, int h, const Settings &s, const char *name)
 {
     Outcome out;
-    std::unique_ptr<Analysis, AnalysisFree> a(CreateAnalysis(&s.o, &s.x));
-    if (!a) {
-        free(bw);
-        out.status = Outcome::NO_MEMORY;
-        return out;
-    }
-    snprintf(a->own.filename, sizeof a->own.filename, "%s", name);
-    SetAnalysisImage(a.get(), bw, w, h);
-    ResetAnalysis(a.get());
-    if (s.x.crop && CropToBlack(a.get())) ResetAnalysis(a.get());
-    ResetAnalysis(a.get());
-    if (BlackPixelsInRegion(a.get()) == 0) {
+    AnalysisPtr a;
+    int start = 0;
+    switch (PrepareAnalysis(bw, w, h, &s.o, &s.x, name, &a, &start)) {
+    case PREPARE_OK: break;
+    case PREPARE_NO_MEMORY: out.status = Outcome::NO_MEMORY; return out;
+    case PREPARE_NO_BLACK:
         out.status = Outcome::BAD_INPUT;
         out.text = "there are no black pixels in the analysed region";
         return out;
+    case PREPARE_CANNOT_FINISH:
+        out.status = Outcome::BAD_INPUT;
+        out.text = "the start box size is " + std::to_string(start) +
+                   ", so the analysis cannot finish; give a start size of 2 or more (start=...)";
+        return out;
     }
     if (!RunAnalysis(a.get())) {
-        if (a->failed) {
-            out.status = Outcome::NO_MEMORY;
-        } else {
-            out.status = Outcome::BAD_INPUT;
-            out.text = "the start box size is " + std::to_string(a->results[0].size) +
-                       ", so the analysis cannot finish; give a start size of 2 or more (start=...)";
-        }
+        out.status = Outcome::NO_MEMORY;
         return out;
     }
     FitSummary f;

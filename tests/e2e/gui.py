@@ -89,7 +89,10 @@ def windows(name, size=None):
     """Mapped top-level windows whose name matches, of the given size: a list of (id, name, x, y, w, h)."""
     found = []
     for wid in x("xdotool", "search", "--onlyvisible", "--maxdepth", "1", "--name", name).split():
-        info = x("xwininfo", "-id", wid)
+        r = subprocess.run(["xwininfo", "-id", wid], env=ENV, capture_output=True, text=True, timeout=30)
+        if r.returncode != 0:   # closed between the search and the look: not there any more
+            continue
+        info = r.stdout
         g = tuple(int(re.search(k + r":\s+(-?\d+)", info).group(1))
                   for k in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
         if size in (None, g[2:]):
