@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include <unistd.h>
+#include <ctime>
 
 #include "app/boxcount.h"
 #include "app/gui/commands.h"
@@ -188,7 +188,10 @@ void HandleIdle(void)
 {
     if (!IdleStep(GetRunTime)) {
         const double wait = IdleSleep(GetRunTime);  // idle: no core spent spinning until the next frame
-        if (wait > 0) usleep((useconds_t)(wait * 1e6));
+        if (wait > 0) {
+            const struct timespec pause = {0, (long)(wait * 1e9)};  // under a frame: less than a second
+            nanosleep(&pause, nullptr);
+        }
         return;
     }
     glutPostRedisplay();
