@@ -24,6 +24,14 @@ bool integer(const char *s, long lo, long hi, long *v)
     return true;
 }
 
+// integer() with the reason for the user: "<wants>, not "<v>"".
+bool number_in(const char *v, long lo, long hi, const char *wants, long *n, std::string *err)
+{
+    if (integer(v, lo, hi, n)) return true;
+    *err = std::string(wants) + ", not \"" + v + "\"";
+    return false;
+}
+
 using Setter = std::function<bool(ExtraOptions *, const char *, std::string *)>;
 
 struct LongOption {
@@ -50,10 +58,7 @@ bool threshold(ExtraOptions *x, const char *v, std::string *err)
 bool seed(ExtraOptions *x, const char *v, std::string *err)
 {
     long n;
-    if (!integer(v, 0, 2147483647, &n)) {
-        *err = "--seed wants a whole number from 0 to 2147483647, not \"" + std::string(v) + "\"";
-        return false;
-    }
+    if (!number_in(v, 0, 2147483647, "--seed wants a whole number from 0 to 2147483647", &n, err)) return false;
     x->has_seed = 1;
     x->seed = n;
     return true;
@@ -112,10 +117,7 @@ bool fit_range(ExtraOptions *x, const char *v, std::string *err)
 bool jobs(ExtraOptions *x, const char *v, std::string *err)
 {
     long n;
-    if (!integer(v, 1, 4096, &n)) {
-        *err = "--jobs wants a number of images at once from 1 to 4096, not \"" + std::string(v) + "\"";
-        return false;
-    }
+    if (!number_in(v, 1, 4096, "--jobs wants a number of images at once from 1 to 4096", &n, err)) return false;
     x->jobs = (int)n;
     return true;
 }
@@ -134,10 +136,7 @@ bool plot(ExtraOptions *x, const char *v, std::string *err)
 bool port(ExtraOptions *x, const char *v, std::string *err)
 {
     long n;
-    if (!integer(v, 0, 65535, &n)) {
-        *err = "--port wants a port number from 0 to 65535 (0: any free port), not \"" + std::string(v) + "\"";
-        return false;
-    }
+    if (!number_in(v, 0, 65535, "--port wants a port number from 0 to 65535 (0: any free port)", &n, err)) return false;
     x->port = (int)n;
     return true;
 }

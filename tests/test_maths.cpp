@@ -1,11 +1,11 @@
-// Integer maths (util/arith.h), special functions (util/special.h) and the timer (util/timer.h).
+// Integer maths (util/arith.h), Bessel functions and log-gamma (util/bessel.h) and the timer (util/timer.h).
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cmath>
 
 #include "util/arith.h"
-#include "util/special.h"
+#include "util/bessel.h"
 #include "util/timer.h"
 
 TEST(Maths, KnownValuesAndLimits)

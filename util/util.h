@@ -8,7 +8,7 @@
 #include "util/timer.h"
 #include "util/terminal.h"
 #include "util/arith.h"
-#include "util/special.h"
+#include "util/bessel.h"
 #include "util/values.h"
 #include "util/regress.h"
 #include "util/vectors.h"

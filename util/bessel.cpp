@@ -1,6 +1,6 @@
-// util/special.cpp - Bessel functions (series and integral forms, zeros) and
+// util/bessel.cpp - Bessel functions (series and integral forms, zeros) and
 // log-gamma (Lanczos).
-#include "util/special.h"
+#include "util/bessel.h"
 
 #include <cmath>
 

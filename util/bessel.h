@@ -1,4 +1,4 @@
-// util/special.h - Bessel functions and log-gamma. Pure functions.
+// util/bessel.h - Bessel functions and log-gamma. Pure functions.
 #pragma once
 
 // Modified Bessel function I0 by its first nine series terms.
