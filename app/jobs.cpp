@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <unistd.h>
 
 #include "app/boxcount.h"
 #include "app/fit.h"
@@ -77,28 +76,14 @@ void wants(const std::string &key, const char *what, const std::string &value, s
 }
 
 
-// The plot as SVG text, through a temporary file (the plotter writes files).
+// The plot as SVG text. The plotter's fonts are set up once per process,
+// not per thread, so one plot is drawn at a time.
 std::string plot_svg(const FitSummary *f)
 {
-    static std::mutex one_at_a_time;  // the plotter's fonts are set up once per process, not per thread
-    const char *tmp = getenv("TMPDIR");
-    std::string path = std::string(tmp && *tmp ? tmp : "/tmp") + "/quorl-plot-XXXXXX.svg";
-    const int fd = mkstemps(path.data(), 4);
-    if (fd < 0) return "";
-    close(fd);
-    std::string svg, why;
-    {
-        std::lock_guard<std::mutex> lock(one_at_a_time);
-        if (DrawFitPlot(f, path.c_str(), &why)) {
-            if (FILE *in = fopen(path.c_str(), "rb")) {
-                char buf[1 << 14];
-                for (size_t n; (n = fread(buf, 1, sizeof buf, in)) > 0;) svg.append(buf, n);
-                fclose(in);
-            }
-        }
-    }
-    unlink(path.c_str());
-    return svg;
+    static std::mutex one_at_a_time;
+    std::lock_guard<std::mutex> lock(one_at_a_time);
+    std::string why;
+    return FitPlotSvg(f, &why);
 }
 
 // Copies where a's count stands into the job's view. Only the boxes found

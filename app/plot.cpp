@@ -203,6 +203,32 @@ std::string PlotTitle(const FitSummary *f)
     return title;
 }
 
+namespace {
+
+cairo_status_t append_to(void *closure, const unsigned char *data, unsigned int length)
+{
+    static_cast<std::string *>(closure)->append((const char *)data, length);
+    return CAIRO_STATUS_SUCCESS;
+}
+
+}  // namespace
+
+std::string FitPlotSvg(const FitSummary *f, std::string *error)
+{
+    std::string svg;
+    cairo_surface_t *surface = cairo_svg_surface_create_for_stream(append_to, &svg, kWidth, kHeight);
+    cairo_t *cr = cairo_create(surface);
+    draw(cr, f);
+    cairo_status_t status = cairo_status(cr);
+    cairo_destroy(cr);
+    cairo_surface_finish(surface);  // the SVG is written out here
+    if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(surface);
+    cairo_surface_destroy(surface);
+    if (status == CAIRO_STATUS_SUCCESS) return svg;
+    *error = cairo_status_to_string(status);
+    return "";
+}
+
 int DrawFitPlot(const FitSummary *f, const char *path, std::string *error)
 {
     const size_t n = strlen(path);

@@ -12,6 +12,9 @@
 // otherwise PNG). Returns 1; 0 with the reason in *error when the file
 // could not be written.
 int DrawFitPlot(const FitSummary *f, const char *path, std::string *error);
+// The same plot as SVG text; "" with the reason in *error when it could not
+// be drawn.
+std::string FitPlotSvg(const FitSummary *f, std::string *error);
 // The title line: "D = 1.827 ± 0.012 (95%), r² = 0.9993"; without an
 // interval "D = 1.827".
 std::string PlotTitle(const FitSummary *f);
