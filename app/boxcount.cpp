@@ -9,12 +9,14 @@
 #include "app/boxcount.h"
 
 #include "app/alloffsets.h"
+#include "app/rowcount.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -229,6 +231,60 @@ int count_all_offsets(Analysis *a)
     return 0;
 }
 
+// Bytes of row bits a row count may take before the steps are the better way.
+constexpr size_t kRowCountBytes = (size_t)1 << 30;
+
+// Counts every grid of the analysis a has just been reset for in one pass
+// over its region's rows (app/rowcount.h), leaving a as the steps would:
+// the same results, the generator drawn as far, the last size computed in
+// boxsize. The grids and their offsets are found first, on a copy, exactly
+// as end_grid would meet them. Returns 0, with a untouched, when the steps
+// must do it: a table of all offsets, hooks that want every grid as it ends,
+// no image, an empty region or one outside the image, a start size below 1
+// (which never finishes), or more grids than is sensible to hold.
+int count_by_rows(Analysis *a, int mode)
+{
+    const Options *o = a->opt;
+    if (a->cycles != 0 || a->failed || a->ext->offsets_all || a->hooks.grid_done || a->hooks.between || !a->bw)
+        return 0;
+    if (o->left < 0 || o->right > o->imagewidth || o->bottom < 0 || o->top > o->imageheight || o->left >= o->right ||
+        o->bottom >= o->top)
+        return 0;
+    Analysis sim = *a;  // shares a's arrays, but only its scalars change
+    std::vector<RowGrid> grids;
+    const size_t words = ((size_t)(o->right - o->left) + 63) / 64;
+    for (;;) {
+        const int s = sim.boxsize;
+        if (s < 1 || (grids.size() + 1) * words * sizeof(uint64_t) > kRowCountBytes) return 0;
+        grids.push_back(RowGrid{s, sim.offsetx, sim.offsety, 0});
+        if (!next_size(&sim, s)) {
+            if (sim.noffset >= o->nsamples) break;
+            sim.boxsize = start_size(&sim);
+            sim.noffset++;
+        }
+        draw_offset(&sim);
+    }
+    if (!CountGridsByRows(a->bw, o->imagewidth, o->left, o->right, o->bottom, o->top, grids.data(), grids.size()))
+        return 0;
+
+    if (mode == 1 && a->hooks.started) a->hooks.started(a);
+    a->results[0].count = grids[0].count;
+    for (size_t i = 1; i < grids.size(); i++)
+        if (!append(a->results, a->nresults, a->resultslength, BoxResult{grids[i].size, grids[i].count, 0}))
+            return fail(a);
+    a->boxsize = sim.boxsize;
+    a->offsetx = sim.offsetx;
+    a->offsety = sim.offsety;
+    a->left0 = sim.left0;
+    a->bottom0 = o->top;
+    a->noffset = sim.noffset;
+    std::copy(sim.rng, sim.rng + 3, a->rng);
+    a->cycles = 1;
+    a->nboxlist = 0;
+    if (a->hooks.finished) a->hooks.finished(a);
+    return 1;
+}
+
 }  // namespace
 
 // ---- the current instance -----------------------------------------------------
@@ -304,13 +360,13 @@ void FreeAnalysis(Analysis *a)
     delete a;
 }
 
-int SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
+void SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
 {
     if (a->bw != bw) free(a->bw);
+    FreeBlackTableOf(&a->table);  // built at the first step that needs it
     a->bw = bw;
     a->opt->imagewidth = w;
     a->opt->imageheight = h;
-    return BuildBlackTable(&a->table, bw, w, h);
 }
 
 [[gnu::noinline]] int ResetAnalysis(Analysis *a)
@@ -340,6 +396,9 @@ int StepAnalysis(Analysis *a, int mode)
     if (mode == 0) return ResetAnalysis(a);
     if (a->failed) return 1;
     if (a->cycles == 0) {
+        // The table is made when a box is first tested, so a run counted by
+        // rows never holds it.
+        if (!table_matches(a) && a->bw) BuildBlackTable(&a->table, a->bw, a->opt->imagewidth, a->opt->imageheight);
         if (mode == 1 && a->hooks.started) a->hooks.started(a);
         if (a->ext->offsets_all) return a->cycles++, count_all_offsets(a);
     }
@@ -364,9 +423,15 @@ int StepAnalysis(Analysis *a, int mode)
     return end_grid(a, s);
 }
 
+int CountByRows(Analysis *a)
+{
+    return count_by_rows(a, 1);
+}
+
 int RunAnalysis(Analysis *a)
 {
     if (a->nresults > 0 && a->results[0].size < 1 && a->opt->top > a->opt->bottom) return 0;
+    if (count_by_rows(a, 1)) return !a->failed;
     while (!StepAnalysis(a, 1)) {
     }
     return !a->failed;

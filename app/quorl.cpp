@@ -70,8 +70,9 @@ int main(int argc, char **argv)
                         "give a start size with -b1\n", results[0].size);
 
     options.processing = 1;
-    while (!BoxCount(1)) {
-    }
+    if (!CountByRows(CurrentAnalysis()))  // the steps only where rows cannot do it
+        while (!BoxCount(1)) {
+        }
     ExitIfAnalysisFailed(CurrentAnalysis());
     if (extras.json != "-") {
         SaveResults();
