@@ -1,8 +1,8 @@
 // app/decode.cpp - PNG, TIFF, JPEG, BMP, PNM, GIF and WebP through libvips.
 //
 // Files are opened for sequential access, so a loader streams rows and holds
-// only a few of them (a whole image only for a rotated or transposed
-// orientation). Every loader is told to fail on errors and truncation,
+// only a few of them; an image that its orientation tag turns a quarter is
+// handed on column by column, each stored row becoming a column. Every loader is told to fail on errors and truncation,
 // rather than fill in what is missing.
 //
 // The library is loaded with dlopen the first time a file needs it: linked
@@ -33,7 +33,6 @@ struct Vips {
     decltype(&::vips_source_new_from_memory) source_from_memory;
     decltype(&::vips_image_new_from_source) image_from_source;
     decltype(&::vips_image_get_orientation) orientation;
-    decltype(&::vips_autorot) autorot;
     decltype(&::vips_colourspace) colourspace;
     decltype(&::vips_region_new) region_new;
     decltype(&::vips_region_prepare) region_prepare;
@@ -88,7 +87,7 @@ bool start_library(void)
             !find(lib, "vips_source_new_from_file", &vips.source_from_file) ||
             !find(lib, "vips_source_new_from_memory", &vips.source_from_memory) ||
             !find(lib, "vips_image_new_from_source", &vips.image_from_source) ||
-            !find(lib, "vips_image_get_orientation", &vips.orientation) || !find(lib, "vips_autorot", &vips.autorot) ||
+            !find(lib, "vips_image_get_orientation", &vips.orientation) ||
             !find(lib, "vips_colourspace", &vips.colourspace) || !find(lib, "vips_region_new", &vips.region_new) ||
             !find(lib, "vips_region_prepare", &vips.region_prepare) || vips.init("quorl")) {
             const char *e = dlerror();
@@ -211,17 +210,14 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     std::unique_ptr<VipsImage, Unref> im(open_image(name, data, size, VIPS_ACCESS_SEQUENTIAL));
     if (!im) return *why = reason(format), DECODE_FAILED;
 
-    // Orientations 5 to 8 swap the axes: only the whole image can be turned.
-    // 2 to 4 are mirror images, done here row by row.
-    int orientation = vips.orientation(im.get());
-    if (orientation >= 5 && orientation <= 8) {
-        im.reset(open_image(name, data, size, VIPS_ACCESS_RANDOM));
-        VipsImage *turned = nullptr;
-        if (!im || vips.autorot(im.get(), &turned, nullptr)) return *why = reason(format), DECODE_FAILED;
-        im.reset(turned);
-        orientation = 1;
-    }
-    const bool mirror = orientation == 2 || orientation == 3, upright = orientation == 3 || orientation == 4;
+    // The orientation tag: how the stored rows (top first) are to be shown.
+    // 2 to 4 mirror them; 5 to 8 swap the axes, so that stored row j is
+    // shown as column j (5, 8) or as column height - 1 - j (6, 7), its first
+    // pixel at the top (5, 6) or at the bottom (7, 8).
+    const int orientation = vips.orientation(im.get());
+    const bool turned = orientation >= 5 && orientation <= 8;
+    const bool mirror = orientation == 2 || orientation == 3 || orientation == 5 || orientation == 6;
+    const bool upright = orientation == 3 || orientation == 4 || orientation == 5 || orientation == 8;
 
     const VipsInterpretation in = im->Type;
     if (in == VIPS_INTERPRETATION_CMYK || in == VIPS_INTERPRETATION_LAB || in == VIPS_INTERPRETATION_LABS ||
@@ -240,7 +236,7 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     }
     const bool wide = bf == VIPS_FORMAT_USHORT;
     const int w = im->Xsize, h = im->Ysize;
-    if (!sink->begin(sink->ctx, w, h, bands * (wide ? 16 : 8))) return DECODE_NOMEMORY;
+    if (!sink->begin(sink->ctx, turned ? h : w, turned ? w : h, bands * (wide ? 16 : 8))) return DECODE_NOMEMORY;
 
     const Converter to_rgba = converters[wide][bands - 1];
     std::unique_ptr<VipsRegion, Unref> region(vips.region_new(im.get()));
@@ -253,7 +249,10 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
             const VipsRegion *g = region.get();
             to_rgba(g->data + (size_t)(j - g->valid.top) * VIPS_REGION_LSKIP(g), w, row.data());
             if (mirror) std::reverse(row.begin(), row.end());
-            sink->row(sink->ctx, upright ? j : h - 1 - j, row.data());
+            if (turned)
+                sink->column(sink->ctx, upright ? j : h - 1 - j, row.data());
+            else
+                sink->row(sink->ctx, upright ? j : h - 1 - j, row.data());
         }
     }
     return DECODE_OK;

@@ -18,13 +18,17 @@
 // null when it is none of these (TGA files have no signature).
 const char *DecodeFormatName(const unsigned char *head, size_t n);
 
-// Where the rows go. begin is called once, before any row, with the size
-// and bits per pixel of the file; when it returns 0 the decode stops with
-// DECODE_NOMEMORY. row is called once per row, y counted from the bottom,
-// with width pixels, in any order.
+// Where the pixels go. begin is called once, before any pixel, with the
+// size and bits per pixel of the image; when it returns 0 the decode stops
+// with DECODE_NOMEMORY. Then either row is called once per row, y counted
+// from the bottom, with width pixels, or (for an image whose orientation
+// tag turns it a quarter, decoded without holding it whole) column is
+// called once per column x with height pixels, from the bottom up; each
+// in any order.
 struct DecodeSink {
     int (*begin)(void *ctx, int width, int height, int depth);
     void (*row)(void *ctx, int y, const BitmapPixel *px);
+    void (*column)(void *ctx, int x, const BitmapPixel *px);
     void *ctx;
 };
 

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -135,6 +136,19 @@ void bw_row(void *ctx, int y, const BitmapPixel *px)
         r->all &= ThresholdPixels(px, out, (size_t)r->w, r->rule);
 }
 
+// A column, for an image turned a quarter: thresholded like a row, then
+// set down a byte per row.
+void bw_column(void *ctx, int x, const BitmapPixel *px)
+{
+    BwRows *r = (BwRows *)ctx;
+    std::vector<unsigned char> col((size_t)r->h);
+    if (r->otsu)
+        GreyLevels(px, col.data(), col.size(), r->hist);
+    else
+        r->all &= ThresholdPixels(px, col.data(), col.size(), r->rule);
+    for (int y = 0; y < r->h; y++) r->bw[(size_t)y * r->w + x] = col[y];
+}
+
 int bw_begin(void *ctx, int w, int h, int)
 {
     return ((BwRows *)ctx)->allocate(w, h);
@@ -172,6 +186,12 @@ void rgba_row_of(void *ctx, int y, const BitmapPixel *px)
     rgba_row(&((RgbaBegin *)ctx)->rows, y, px);
 }
 
+void rgba_column_of(void *ctx, int x, const BitmapPixel *px)
+{
+    const RgbaBegin *b = (const RgbaBegin *)ctx;
+    for (int y = 0; y < b->info->height; y++) b->rows.image[(size_t)y * b->rows.w + x] = px[y];
+}
+
 LoadStatus decoded(int code)
 {
     return code == DECODE_OK ? LOAD_OK : code == DECODE_NOMEMORY ? LOAD_NO_MEMORY : LOAD_FAILED;
@@ -186,7 +206,7 @@ LoadStatus black_white(const Source &s, const Options *o, const ExtraOptions *x,
     rows.otsu = x->threshold == kThresholdOtsu;
     rows.rule = ThresholdRule{rows.otsu ? kThresholdFixed : x->threshold, o->invert};
     if (DecodeFormatName(s.head, s.nhead)) {
-        const DecodeSink sink = {bw_begin, bw_row, &rows};
+        const DecodeSink sink = {bw_begin, bw_row, bw_column, &rows};
         status = decoded(DecodeImage(s.path, s.data, s.size, &sink, why));
         info->width = rows.w;
         info->height = rows.h;
@@ -267,7 +287,7 @@ LoadStatus LoadRGBA(const char *name, BitmapPixel **image, std::string *why, Loa
 
     if (DecodeFormatName(s.head, s.nhead)) {
         RgbaBegin b{image, {nullptr, 0}, info};
-        const DecodeSink sink = {rgba_begin, rgba_row_of, &b};
+        const DecodeSink sink = {rgba_begin, rgba_row_of, rgba_column_of, &b};
         return decoded(DecodeImage(s.path, s.data, s.size, &sink, why));
     }
     File f(open_stream(s));

@@ -18,7 +18,7 @@ for tool in ("convert", "pamdepth", "pnmtoplainpnm", "cwebp"):
         sys.exit(77)
 import numpy as np  # noqa: E402
 import tifffile  # noqa: E402
-from PIL import Image  # noqa: E402
+from PIL import Image, ImageOps  # noqa: E402
 from skimage.filters import threshold_otsu  # noqa: E402
 
 prog = sys.argv[1]
@@ -77,9 +77,14 @@ bilevel = Image.fromarray(grey).point(lambda v: 255 if v >= 128 else 0).convert(
 pil("src.ppm", Image.fromarray(rgb))
 pil("src.pgm", Image.fromarray(grey))
 jpeg_rgb = pil("rgb.jpg", Image.fromarray(rgb), quality=90)
-exif = Image.Exif()
-exif[0x0112] = 6   # orientation: turned 90 degrees clockwise to view
-jpeg_turned = pil("turned.jpg", Image.fromarray(rgb), quality=90, exif=exif)
+
+def turned(orientation):
+    """A JPEG with an orientation tag, and the pixels Pillow shows for it."""
+    exif = Image.Exif()
+    exif[0x0112] = orientation
+    name = pil(f"turned{orientation}.jpg", Image.fromarray(rgb[:, :W - 9]), quality=90, exif=exif)
+    return name, np.asarray(ImageOps.exif_transpose(Image.open(name)).convert("RGB"))
+
 
 cases = [
     # id, file, the RGB pixels a reader must see (top row first)
@@ -104,8 +109,7 @@ cases = [
     ("fmt-2.8 BigTIFF, two pages", tiff("big.tif", np.stack([rgb, 255 - rgb]), photometric="rgb", bigtiff=True),
      rgb),
     ("fmt-3.1 JPEG", jpeg_rgb, np.asarray(Image.open(jpeg_rgb).convert("RGB"))),
-    ("fmt-3.2 JPEG turned by its orientation", jpeg_turned,
-     np.rot90(np.asarray(Image.open(jpeg_turned).convert("RGB")), -1)),
+    *((f"fmt-3.2 JPEG orientation {o}", *turned(o)) for o in range(2, 9)),  # 5-8 turn it a quarter
     ("fmt-4.1 BMP by ImageMagick", shell("rgb.bmp", "convert {tmp}/src.ppm {out}"), rgb),
     ("fmt-5.1 PPM raw", path("src.ppm"), rgb),
     ("fmt-5.2 PGM plain", shell("plain.pgm", "pnmtoplainpnm {tmp}/src.pgm > {out}"), grey3),
