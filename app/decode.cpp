@@ -1,4 +1,5 @@
-// app/decode.cpp - PNG, TIFF, JPEG, BMP, PNM, GIF and WebP through libvips.
+// app/decode.cpp - PNG, TIFF, JPEG, BMP, PNM and WebP through libvips; GIF
+// through app/gif.h.
 //
 // Files are opened for sequential access, so a loader streams rows and holds
 // only a few of them; an image that its orientation tag turns a quarter is
@@ -9,6 +10,8 @@
 // in, it and the hundred libraries it brings would cost every run, TGA
 // files and the window included, some 15 MB of memory and start-up time.
 #include "app/decode.h"
+
+#include "app/gif.h"
 
 #include <algorithm>
 #include <cstring>
@@ -192,7 +195,6 @@ const char *DecodeFormatName(const unsigned char *head, size_t n)
 
 int DecodeImage(const char *name, const void *data, size_t size, const DecodeSink *sink, std::string *why)
 {
-    if (!start_library()) return *why = load_error, DECODE_FAILED;
     unsigned char head[16] = {0};
     size_t got = 0;
     if (name) {
@@ -206,6 +208,8 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     }
     const char *format = DecodeFormatName(head, got);
     if (!format) format = "image";
+    if (!strcmp(format, "GIF")) return DecodeGif(name, data, size, sink, why);
+    if (!start_library()) return *why = load_error, DECODE_FAILED;
 
     std::unique_ptr<VipsImage, Unref> im(open_image(name, data, size, VIPS_ACCESS_SEQUENTIAL));
     if (!im) return *why = reason(format), DECODE_FAILED;

@@ -1,6 +1,6 @@
 // app/decode.h - images in the formats besides TGA: PNG, TIFF, JPEG, BMP,
 // PNM, GIF and WebP. The one file that talks to the decoding library
-// (libvips); a change of library touches only decode.cpp.
+// (libvips), except for GIF files, which app/gif.h reads a line at a time.
 //
 // Every image ends as rows of RGBA pixels handed to a sink, row 0 at the
 // bottom: grey becomes r = g = b, 16-bit samples keep their high byte, a

@@ -57,7 +57,7 @@ set(CPACK_PACKAGE_CONTACT "Quorl maintainers <quorl@example.org>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libvips42 (>= 8.12), libcpp-httplib0.11")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libvips42 (>= 8.12), libgif7, libcpp-httplib0.11")
 # The Python module (python/) is built for Debian's python3 and imports numpy.
 if(QUORL_PYTHON)
   string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", python3, python3-numpy")

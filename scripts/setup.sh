@@ -8,7 +8,7 @@ freeglut3-dev libgl-dev libglu1-mesa-dev libforms-dev \
 imagemagick netpbm libtiff-tools ghostscript faketime \
 xvfb xdotool x11-utils python3-numpy python3-scipy python3-ezdxf sox \
 clang libclang-rt-14-dev cppcheck clang-tidy mandoc groff-base dpkg-dev \
-libvips-dev python3-skimage python3-pil python3-tifffile webp \
+libvips-dev libgif-dev python3-skimage python3-pil python3-tifffile webp \
 libboost-dev nlohmann-json3-dev libcairo2-dev librsvg2-bin parallel \
 pybind11-dev python3-dev \
 libcpp-httplib-dev nodejs chromium"

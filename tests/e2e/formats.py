@@ -116,7 +116,11 @@ cases = [
     ("fmt-5.3 PGM 16-bit", shell("g16.pgm", "pamdepth 65535 {tmp}/src.pgm > {out}"), grey3),
     ("fmt-5.4 PPM 16-bit plain", shell("rgb16.ppm", "pamdepth 65535 {tmp}/src.ppm | pnmtoplainpnm > {out}"), rgb),
     ("fmt-5.5 PBM raw", pil("b.pbm", bilevel), np.asarray(bilevel.convert("RGB"))),
-    ("fmt-6.1 GIF", pil("p.gif", palette), np.asarray(palette.convert("RGB"))),
+    ("fmt-6.1 GIF", pil("p.gif", palette, interlace=False), np.asarray(palette.convert("RGB"))),
+    ("fmt-6.2 GIF interlaced, index 5 transparent", pil("t.gif", palette, interlace=True, transparency=5),
+     np.where((np.asarray(palette) == 5)[..., None], 255, np.asarray(palette.convert("RGB")))),
+    ("fmt-6.3 GIF frame inside a larger screen", shell("page.gif", "convert {tmp}/p.gif -page 70x50+6+9 {out}"),
+     np.pad(np.asarray(palette.convert("RGB")), ((9, 4), (6, 11), (0, 0)), constant_values=255)),
     ("fmt-7.1 WebP lossless", shell("rgb.webp", "cwebp -quiet -lossless {tmp}/rgb.png -o {out}"), rgb),
 ]
 for cid, name, want in cases:
