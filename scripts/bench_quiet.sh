@@ -19,9 +19,11 @@
 # with the same clock, and their outputs must be identical.
 #
 # Then the carpet of the largest side, written also as PNG, TIFF (8 and 16
-# bits per sample) and JPEG (by Pillow and tifffile), is timed per format:
+# bits per sample), JPEG (also one tagged as turned a quarter), GIF and BMP
+# (by Pillow and tifffile), is timed per format:
 #   decode  - decoding alone (bench/bench_decode): the project's TGA reader
-#             handing rows to a sink that does nothing, or libvips alone
+#             (TGA) or giflib (GIF) handing rows to a sink that does
+#             nothing, or libvips alone
 #             opening the file as quorl does and preparing every row
 #   quiet   - quorl -q -i FILE
 # with the ratio and the peak resident memory per pixel of the quiet run.
@@ -108,20 +110,27 @@ carpet = os.path.join(images, f"carpet{side}.tga")
 if not os.path.exists(carpet):
     subprocess.run([helper, "make", "carpet", str(side), carpet], check=True)
 stem = os.path.join(images, f"carpet{side}")
-if not os.path.exists(stem + ".jpg"):
+if not os.path.exists(stem + ".bmp"):
     subprocess.run(["/usr/bin/python3", "-c", f'''
 import numpy as np, tifffile
 from PIL import Image
+Image.MAX_IMAGE_PIXELS = None
 im = Image.open("{carpet}").convert("RGB")
 im.save("{stem}.png")
 im.save("{stem}.jpg", quality=90)
+exif = Image.Exif()
+exif[0x0112] = 6
+im.save("{stem}-turned.jpg", quality=90, exif=exif)
+im.convert("P").save("{stem}.gif")
+im.save("{stem}.bmp")
 a = np.asarray(im)
 tifffile.imwrite("{stem}-8.tif", a, photometric="rgb")
 tifffile.imwrite("{stem}-16.tif", a.astype(np.uint16) * 257, photometric="rgb")
 '''], check=True)
 formats = []
 for label, name in (("TGA", carpet), ("PNG", stem + ".png"), ("TIFF 8-bit", stem + "-8.tif"),
-                    ("TIFF 16-bit", stem + "-16.tif"), ("JPEG", stem + ".jpg")):
+                    ("TIFF 16-bit", stem + "-16.tif"), ("JPEG", stem + ".jpg"),
+                    ("JPEG turned", stem + "-turned.jpg"), ("GIF", stem + ".gif"), ("BMP", stem + ".bmp")):
     warm(name)
     decode, _ = median([decoder, name], runs)
     quiet, peak = median([quorl, "-q", "-i", name], runs)
