@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <string>
 
-#include "app/decode.h"
+#include "app/decodesink.h"
 
 // As DecodeImage, for a GIF file by name or (name null) in memory.
 int DecodeGif(const char *name, const void *data, size_t size, const DecodeSink *sink, std::string *why);

@@ -61,7 +61,7 @@ Span pack(const unsigned char *px, int n, uint64_t *bits)
         const unsigned char *p = px + w * 64;
         uint64_t white = 0;
         for (int k = 0; k < 4; k++)
-            white |= (uint64_t)(uint16_t)_mm_movemask_epi8(_mm_loadu_si128((const __m128i *)(p + 16 * k))) << (16 * k);
+            white |= (uint64_t)(uint16_t)_mm_movemask_epi8(_mm_loadu_si128((const __m128i *)(p + (size_t)16 * k))) << (16 * k);
         bits[w] = ~white;
     }
 #endif

@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const DecodeSink probe = {[](void *ctx, int width, int height, int) {
                                   ((int *)ctx)[0] = width, ((int *)ctx)[1] = height;
                                   return 0;
-                              }, nullptr, wh};
+                              }, nullptr, nullptr, wh};
     if (DecodeFormatName(data, size) && DecodeImage(name.c_str(), nullptr, 0, &probe, &why) == DECODE_NOMEMORY &&
         (long long)wh[0] * wh[1] > (1 << 24)) {
         close(fd);
