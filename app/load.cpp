@@ -115,6 +115,13 @@ struct BwRows {
     bool otsu = false;
     uint64_t hist[256] = {};
     unsigned char all = 255;
+    // Columns (of an image turned a quarter) wait here, kColumns at a time,
+    // row by row, so that they are set down a short run of bytes per row
+    // rather than a byte per row each.
+    static constexpr int kColumns = 32;
+    std::vector<unsigned char> waiting;  // column k at k * h
+    int xs[kColumns] = {};
+    int nwaiting = 0;
 
     bool allocate(int width, int height)
     {
@@ -123,6 +130,15 @@ struct BwRows {
         const size_t n = (size_t)w * (size_t)h;
         bw = (unsigned char *)malloc(n ? n : 1);
         return bw != nullptr;
+    }
+
+    void set_down_columns()
+    {
+        for (int y = 0; y < h; y++) {
+            unsigned char *row = bw + (size_t)y * w;
+            for (int k = 0; k < nwaiting; k++) row[xs[k]] = waiting[(size_t)k * h + y];
+        }
+        nwaiting = 0;
     }
 };
 
@@ -136,17 +152,19 @@ void bw_row(void *ctx, int y, const BitmapPixel *px)
         r->all &= ThresholdPixels(px, out, (size_t)r->w, r->rule);
 }
 
-// A column, for an image turned a quarter: thresholded like a row, then
-// set down a byte per row.
+// A column, for an image turned a quarter: thresholded like a row, and put
+// with the columns waiting to be set down.
 void bw_column(void *ctx, int x, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
-    std::vector<unsigned char> col((size_t)r->h);
+    r->waiting.resize((size_t)r->h * BwRows::kColumns);
+    unsigned char *col = r->waiting.data() + (size_t)r->nwaiting * r->h;
     if (r->otsu)
-        GreyLevels(px, col.data(), col.size(), r->hist);
+        GreyLevels(px, col, (size_t)r->h, r->hist);
     else
-        r->all &= ThresholdPixels(px, col.data(), col.size(), r->rule);
-    for (int y = 0; y < r->h; y++) r->bw[(size_t)y * r->w + x] = col[y];
+        r->all &= ThresholdPixels(px, col, (size_t)r->h, r->rule);
+    r->xs[r->nwaiting++] = x;
+    if (r->nwaiting == BwRows::kColumns) r->set_down_columns();
 }
 
 int bw_begin(void *ctx, int w, int h, int)
@@ -208,6 +226,7 @@ LoadStatus black_white(const Source &s, const Options *o, const ExtraOptions *x,
     if (DecodeFormatName(s.head, s.nhead)) {
         const DecodeSink sink = {bw_begin, bw_row, bw_column, &rows};
         status = decoded(DecodeImage(s.path, s.data, s.size, &sink, why));
+        if (status == LOAD_OK) rows.set_down_columns();
         info->width = rows.w;
         info->height = rows.h;
         info->has_size = rows.bw != nullptr || status == LOAD_NO_MEMORY;
