@@ -22,7 +22,7 @@ MAIN_MENU = ["Open new TGA file", "Invert image (i)", "Options (o)", "Processing
              "Show graph (g)", "Save results (s)", "Quit (ESC)"]
 PROCESS_MENU = ["Start (p)", "Stop (P)"]
 # Panel layouts in form coordinates: (x, y, w, h).
-OPTIONS_SIZE, END_INPUT, OPTIONS_HIDE = (331, 211), (250, 80, 50, 30), (240, 160, 60, 30)
+OPTIONS_SIZE, END_INPUT, FACTOR_INPUT, OPTIONS_HIDE = (331, 211), (250, 80, 50, 30), (170, 120, 50, 30), (240, 160, 60, 30)
 GRAPH_SIZE, GRAPH_PLOT, GRAPH_SLOPE, GRAPH_HIDE = (421, 461), (20, 30, 380, 370), (130, 410, 110, 30), (340, 415, 60, 30)
 FSEL_INPUT = (150, 300)   # the name field of the XForms file selector
 TMP, PROGRAMS = tempfile.mkdtemp(prefix="quorl-gui-"), []
@@ -141,10 +141,9 @@ def shot_when(pred, what, timeout=5):
     return shot
 
 
-def fill_input(form, rect, text):
+def edit_input(form, rect, *keys):   # clicks into an input field, presses the keys, then Return
     click_in(form, rect)
-    x("xdotool", "key", "End", *["BackSpace"] * 12, "type", text)
-    x("xdotool", "key", "Return")
+    x("xdotool", "key", "End", *keys, "Return")
 
 
 def choose_file(path):
@@ -286,14 +285,16 @@ def menus():
 
 
 def panels():
-    # The end size typed into the options panel is the one used: with it, the run under the seed the
-    # quiet run's frozen clock gives saves (s, through the file selector) the quiet run's table.
+    # The options panel opens showing the settings (a blank added to the factor's field keeps -bf 1.5)
+    # and the end size typed into it is used: the run under the seed of the quiet run's frozen clock
+    # then saves (s, through the file selector) the quiet run's table.
     with open(os.path.join(DATA, "quiet-carpet.out")) as f:
         table = f.read().splitlines(True)[:-1]
     p = Program("-i", os.path.join("examples", "carpet.tga"), "-b2", "8", "-bf", "1.5", "--seed", str(FROZEN_SECONDS))
     p.key("O")
     form = window("^$", OPTIONS_SIZE)
-    fill_input(form, END_INPUT, "3")
+    edit_input(form, FACTOR_INPUT, "space")   # first: every input read refreshes all four fields
+    edit_input(form, END_INPUT, *["BackSpace"] * 12, "3")
     click_in(form, OPTIONS_HIDE)   # handled after the Return: once hidden, the input has been read
     window("^$", OPTIONS_SIZE, gone=True)
 
@@ -311,7 +312,7 @@ def panels():
     p.key("s")
     choose_file(saved)
     wait(lambda: os.path.exists(saved) and open(saved).read().endswith("\n"), "the results file")
-    check(open(saved).read() == "".join(table), "the panel's end size is used; s saves the quiet run's table")
+    check(open(saved).read() == "".join(table), "the panel showed -bf 1.5 and took end size 3; s saves the quiet table")
 
     click_in(graph, GRAPH_HIDE)
     window("^$", GRAPH_SIZE, gone=True)
