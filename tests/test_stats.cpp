@@ -1,12 +1,12 @@
-// The statistics behind a report: the t quantile, the double-precision fit,
-// the fit range's estimate, and the minimum over every grid offset.
+// The statistics behind a report: the t quantile, the double-precision fit
+// and the minimum over every grid offset. (The fit range's estimate is
+// checked end to end in tests/e2e/report.py.)
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <vector>
 
 #include "app/alloffsets.h"
-#include "app/estimate.h"
 #include "app/fit.h"
 
 TEST(Stats, StudentQuantileKnownValues)
@@ -30,14 +30,6 @@ TEST(Stats, LineFitCases)
     ASSERT_TRUE(FitLine(x, line, 2, &f));  // boundary: two points fit, but give no interval
     EXPECT_FALSE(f.has_interval);
     EXPECT_FALSE(FitLine(same, line, 4, &f));
-}
-
-TEST(Stats, FitRangeTakesTheEstimateRules)
-{
-    const BoxResult t[] = {{10, 100, 0}, {5, 400, 0}, {2, 2500, 0}, {10, 90, 0}, {5, 380, 0}, {2, 2600, 0}};
-    EXPECT_EQ(FittedSlopeOf(t, 6, 1, 100), SlopeOf(t, 6));
-    EXPECT_EQ(FittedSlopeOf(t, 6, 3, 10), 0.0);  // two sizes left
-    EXPECT_EQ(FittedSlopeOf(t, 6, 11, 20), -1.0);
 }
 
 // The table and the pixel scan agree with each other and with counts known by
