@@ -98,8 +98,6 @@ TEST(Formats, GreyLevelRules)
         {"grey-1.3 Y rounds half up: 128.5 is 129", {128, 129, 128, 0}, 129, 0, 255},
         {"grey-1.5 cut 256: everything black", {255, 255, 255, 255}, 256, 0, 0},
         {"grey-1.6 inverted", {0, 0, 0, 255}, 10, 1, 255},
-        {"fixed-1.1 grey 73 black", {73, 73, 73, 255}, kThresholdFixed, 0, 0},
-        {"fixed-1.2 grey 74 white", {74, 74, 74, 255}, kThresholdFixed, 0, 255},
     };
     for (const auto &c : cases) {
         unsigned char out;
