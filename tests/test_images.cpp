@@ -14,7 +14,6 @@ using ImagesDeathTest = AppTest;
 TEST_F(Images, CommandLineSeam)
 {
     const struct { std::vector<const char *> words; int ret, nsamples; float factor; } cases[] = {
-        {{"quorl", "-n", "5", "-h", "-n", "7"}, 0, 5, 1.2f},  // "-h" stops the scan; what came before it stays
         {{"quorl", "-x", "-n"}, 1, 1, 1.2f},     // unknown words are ignored; a missing value reads as ""
         {{"quorl", "-bf", "nan"}, 1, 10, 1.1f},  // not a number is not above 1
         {{"quorl", "-n", "7", "--h"}, -1, 7, 1.2f},  // an unknown long option is refused
