@@ -47,7 +47,6 @@ TEST_F(Estimate, OnePointPerSizeAndTheSlope)
         // and 10001 it comes to 1.0014e-4: no sizes up to 10000 merge, as none merge in the results lines.
         {"est-1.7", {{20000, 5}, {20001, 4}, {20, 7}, {30, 8}}, {{log(1 / 2e4), log(4.0)}, {l2, log(7.0)}, {log(1 / 30.0), log(8.0)}}, 0.092263},
         {"est-1.8", {{10000, 5}, {10001, 4}}, {{log(1e-4), log(5.0)}, {log(1 / 10001.0), log(4.0)}}, -1},
-        {"est-1.9", {{9999, 5}, {10000, 4}}, {{log(1 / 9999.0), log(5.0)}, {log(1e-4), log(4.0)}}, -1},
     };
     for (const auto &c : cases) {
         const auto r = entries(c.t);
