@@ -231,8 +231,9 @@ int count_all_offsets(Analysis *a)
     return 0;
 }
 
-// Bytes of row bits a row count may take before the steps are the better way.
-constexpr size_t kRowCountBytes = (size_t)1 << 30;
+// The most grids a row count lists before it starts (16 bytes each); a run
+// of more, which settings such as -n 100000000 ask for, is left to the steps.
+constexpr size_t kRowCountGrids = (size_t)1 << 24;
 
 // Counts every grid of the analysis a has just been reset for in one pass
 // over its region's rows (app/rowcount.h), leaving a as the steps would:
@@ -241,7 +242,7 @@ constexpr size_t kRowCountBytes = (size_t)1 << 30;
 // as end_grid would meet them. Returns 0, with a untouched, when the steps
 // must do it: a table of all offsets, hooks that want every grid as it ends,
 // no image, an empty region or one outside the image, a start size below 1
-// (which never finishes), or more grids than is sensible to hold.
+// (which never finishes), or more grids than kRowCountGrids.
 int count_by_rows(Analysis *a, int mode)
 {
     const Options *o = a->opt;
@@ -252,10 +253,9 @@ int count_by_rows(Analysis *a, int mode)
         return 0;
     Analysis sim = *a;  // shares a's arrays, but only its scalars change
     std::vector<RowGrid> grids;
-    const size_t words = ((size_t)(o->right - o->left) + 63) / 64;
     for (;;) {
         const int s = sim.boxsize;
-        if (s < 1 || (grids.size() + 1) * words * sizeof(uint64_t) > kRowCountBytes) return 0;
+        if (s < 1 || grids.size() >= kRowCountGrids) return 0;
         grids.push_back(RowGrid{s, sim.offsetx, sim.offsety, 0});
         if (!next_size(&sim, s)) {
             if (sim.noffset >= o->nsamples) break;

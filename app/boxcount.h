@@ -145,7 +145,7 @@ int RunAnalysis(Analysis *a);
 // finished hooks. Returns 1 when it did (check a->failed), 0 when the steps
 // must do it instead: with --offsets all, grid_done or between hooks, no
 // image, a region that is empty or outside the image, a start size below 1,
-// or more grids than fit in the memory allowed for them.
+// or more than 16 million grids.
 int CountByRows(Analysis *a);
 // BlackInRect and BlackInRectScan on a's image, region and table.
 int AnalysisBlackInRect(const Analysis *a, int x1, int x2, int y1, int y2);
