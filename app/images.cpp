@@ -149,7 +149,6 @@ int LoadBlackWhiteImage(const char *name)
         say_failed(status, why);
         return 0;
     }
-    AskHugePages(bw, (size_t)w * h);
     SetAnalysisImage(CurrentAnalysis(), bw, w, h);
     if (name != options.filename) snprintf(options.filename, sizeof options.filename, "%s", name);
     say_otsu(info.otsu_level);
