@@ -45,6 +45,7 @@ struct RowCounter {
     std::vector<uint64_t> acc;         // a row of boxes' columns
     RowGrid *grids;
     std::vector<Track> track;
+    std::vector<std::vector<uint64_t>> starts;  // of each grid of small boxes: its boxes' first columns
     long long t = 0;                   // rows seen
 };
 
@@ -131,6 +132,29 @@ int count_boxes(const uint64_t *m, Span sp, long long s, long long ox)
     }
 }
 
+// The same for boxes of at most 64 columns, whose many boxes per row make
+// a bit at a time slow. m (a scratch copy) becomes the OR of each bit with
+// the s - 1 bits after it, by doubling shifts; then a box is occupied when
+// its first column's bit is set: one AND and a bit count per word, starts
+// marking the first columns of boxes 1, 2, ... (box 0 may begin left of
+// the region and is looked at on its own).
+[[gnu::target_clones("popcnt", "default")]]
+int count_small_boxes(uint64_t *m, Span sp, int s, int ox, const uint64_t *starts)
+{
+    const int first = s - ox;  // box 0 holds bits [0, first), first <= 64
+    int n = sp.lo == 0 && (m[0] & (first == 64 ? ~0ull : (1ull << first) - 1)) != 0;
+    const uint32_t a = sp.lo ? sp.lo - 1 : 0;  // the word before the span takes bits from it
+    if (a < sp.lo) m[a] = 0;
+    auto or_shifted = [&](int k) {  // m |= m >> k, across words, 0 < k < 64
+        for (uint32_t w = a; w < sp.hi; w++) m[w] |= m[w] >> k | (w + 1 < sp.hi ? m[w + 1] << (64 - k) : 0);
+    };
+    int len = 1;
+    for (; len * 2 <= s; len *= 2) or_shifted(len);
+    if (len < s) or_shifted(s - len);
+    for (uint32_t w = a; w < sp.hi; w++) n += __builtin_popcountll(m[w] & starts[w]);
+    return n;
+}
+
 // Counts the row of boxes [ta, tb) of grid g.
 void count_row_of_boxes(RowCounter *c, RowGrid *g, long long ta, long long tb)
 {
@@ -141,6 +165,12 @@ void count_row_of_boxes(RowCounter *c, RowGrid *g, long long ta, long long tb)
         while ((1ll << k) > tb - u) k--;
         used[n++] = slot_of(c, k, u >> k);
         u += 1ll << k;
+    }
+    const std::vector<uint64_t> &starts = c->starts[(size_t)(g - c->grids)];
+    if (!starts.empty()) {
+        const Span s = merge(c, SIZE_MAX, used, n);
+        if (s.lo < s.hi) g->count += count_small_boxes(c->acc.data(), s, g->size, g->offsetx, starts.data());
+        return;
     }
     if (n == 1) {
         const Span s = c->span[used[0]];
@@ -175,6 +205,17 @@ RowCounter *StartRowCount(int left, int right, int bottom, int top, bool upward,
     if (!c->store) return nullptr;
     c->span.assign(total, Span{0, 0});
     c->acc.assign(c->words, 0);
+    // Grids of boxes up to 64 columns wide count from a mask of their boxes'
+    // first columns, while those masks take under 64 MiB in all.
+    c->starts.resize(n);
+    size_t masks = 0;
+    for (size_t i = 0; i < n; i++) {
+        if (grids[i].size > 64 || (masks += c->words * sizeof(uint64_t)) > ((size_t)64 << 20)) continue;
+        std::vector<uint64_t> &m = c->starts[i];
+        m.assign(c->words, 0);
+        for (long long u = grids[i].size - grids[i].offsetx; u < c->width; u += grids[i].size)
+            m[(size_t)u / 64] |= 1ull << (u % 64);
+    }
     for (size_t i = 0; i < n; i++) {
         const long long s = grids[i].size, oy = grids[i].offsety;
         const long long end = upward ? s - oy : (c->height + oy - 1) % s + 1;
