@@ -187,6 +187,18 @@ bool next_size(Analysis *a, int s)
     return !(n < a->opt->boxend || n < 1);
 }
 
+// Moves on from a completed grid of size s: boxsize to the next size, or to
+// the start size of the next pass. False when that was the last grid of
+// the last pass (boxsize then holds the size computed last).
+bool next_grid(Analysis *a, int s)
+{
+    if (next_size(a, s)) return true;
+    if (a->noffset >= a->opt->nsamples) return false;
+    a->boxsize = start_size(a);
+    a->noffset++;
+    return true;
+}
+
 // --offsets all: one pass in which each size's count is the smallest over
 // every grid offset, found at once from the black-pixel table. The offset
 // left in the record is the first that gives that count.
@@ -213,17 +225,12 @@ int count_all_offsets(Analysis *a)
 // next pass, or finish (returns 1).
 [[gnu::noinline]] int end_grid(Analysis *a, int s)
 {
-    const Options *o = a->opt;
     a->nboxlist = 0;
     if (a->hooks.grid_done) a->hooks.grid_done(a);
 
-    if (!next_size(a, s)) {
-        if (a->noffset >= o->nsamples) {
-            if (a->hooks.finished) a->hooks.finished(a);
-            return 1;
-        }
-        a->boxsize = start_size(a);
-        a->noffset++;
+    if (!next_grid(a, s)) {
+        if (a->hooks.finished) a->hooks.finished(a);
+        return 1;
     }
     if (a->hooks.between) a->hooks.between(a);
     if (!append(a->results, a->nresults, a->resultslength, BoxResult{a->boxsize, 0, 0})) return fail(a);
@@ -257,11 +264,7 @@ int count_by_rows(Analysis *a, int mode)
         const int s = sim.boxsize;
         if (s < 1 || grids.size() >= kRowCountGrids) return 0;
         grids.push_back(RowGrid{s, sim.offsetx, sim.offsety, 0});
-        if (!next_size(&sim, s)) {
-            if (sim.noffset >= o->nsamples) break;
-            sim.boxsize = start_size(&sim);
-            sim.noffset++;
-        }
+        if (!next_grid(&sim, s)) break;
         draw_offset(&sim);
     }
     if (!CountGridsByRows(a->bw, o->imagewidth, o->left, o->right, o->bottom, o->top, grids.data(), grids.size()))

@@ -144,14 +144,19 @@ struct BwRows {
     }
 };
 
+// n pixels into out: thresholded, or (Otsu) grey levels counted.
+void bw_pixels(BwRows *r, const BitmapPixel *px, unsigned char *out, size_t n)
+{
+    if (r->otsu)
+        GreyLevels(px, out, n, r->hist);
+    else
+        r->all &= ThresholdPixels(px, out, n, r->rule);
+}
+
 void bw_row(void *ctx, int y, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
-    unsigned char *out = r->bw + (size_t)y * r->w;
-    if (r->otsu)
-        GreyLevels(px, out, (size_t)r->w, r->hist);
-    else
-        r->all &= ThresholdPixels(px, out, (size_t)r->w, r->rule);
+    bw_pixels(r, px, r->bw + (size_t)y * r->w, (size_t)r->w);
 }
 
 // A column, for an image turned a quarter: thresholded like a row, and put
@@ -160,11 +165,7 @@ void bw_column(void *ctx, int x, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
     r->waiting.resize((size_t)r->h * BwRows::kColumns);
-    unsigned char *col = r->waiting.data() + (size_t)r->nwaiting * r->h;
-    if (r->otsu)
-        GreyLevels(px, col, (size_t)r->h, r->hist);
-    else
-        r->all &= ThresholdPixels(px, col, (size_t)r->h, r->rule);
+    bw_pixels(r, px, r->waiting.data() + (size_t)r->nwaiting * r->h, (size_t)r->h);
     r->xs[r->nwaiting++] = x;
     if (r->nwaiting == BwRows::kColumns) r->set_down_columns();
 }
