@@ -15,6 +15,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -242,35 +243,57 @@ int count_all_offsets(Analysis *a)
 // of more, which settings such as -n 100000000 ask for, is left to the steps.
 constexpr size_t kRowCountGrids = (size_t)1 << 24;
 
-// Counts every grid of the analysis a has just been reset for in one pass
-// over its region's rows (app/rowcount.h), leaving a as the steps would:
-// the same results, the generator drawn as far, the last size computed in
-// boxsize. The grids and their offsets are found first, on a copy, exactly
-// as end_grid would meet them. Returns 0, with a untouched, when the steps
-// must do it: a table of all offsets, hooks that want every grid as it ends,
-// no image, an empty region or one outside the image, a start size below 1
-// (which never finishes), or more grids than kRowCountGrids.
-int count_by_rows(Analysis *a, int mode)
+}  // namespace
+
+// Every grid of the analysis a has just been reset for, to be counted in one
+// pass over its region's rows (app/rowcount.h). The grids and their offsets
+// are found first, on a copy, exactly as end_grid would meet them; the copy
+// then holds the record as the last grid leaves it.
+struct RowPlan {
+    std::vector<RowGrid> grids;
+    Analysis end;
+    RowCounter *counter = nullptr;
+    ~RowPlan() { RowCountDone(counter); }
+};
+
+namespace {
+
+// Null, with a untouched, when the steps must count: a table of all offsets,
+// hooks that want every grid as it ends, an empty region or one outside the
+// image, a start size below 1 (which never finishes), more grids than
+// kRowCountGrids, or no memory.
+RowPlan *plan_rows(Analysis *a, bool upward)
 {
     const Options *o = a->opt;
-    if (a->cycles != 0 || a->failed || a->ext->offsets_all || a->hooks.grid_done || a->hooks.between || !a->bw)
-        return 0;
+    if (a->cycles != 0 || a->failed || a->ext->offsets_all || a->hooks.grid_done || a->hooks.between)
+        return nullptr;
     if (o->left < 0 || o->right > o->imagewidth || o->bottom < 0 || o->top > o->imageheight || o->left >= o->right ||
         o->bottom >= o->top)
-        return 0;
-    Analysis sim = *a;  // shares a's arrays, but only its scalars change
-    std::vector<RowGrid> grids;
+        return nullptr;
+    std::unique_ptr<RowPlan> p(new (std::nothrow) RowPlan{{}, *a});  // shares a's arrays; only scalars change
+    if (!p) return nullptr;
+    Analysis &sim = p->end;
     for (;;) {
         const int s = sim.boxsize;
-        if (s < 1 || grids.size() >= kRowCountGrids) return 0;
-        grids.push_back(RowGrid{s, sim.offsetx, sim.offsety, 0});
+        if (s < 1 || p->grids.size() >= kRowCountGrids) return nullptr;
+        p->grids.push_back(RowGrid{s, sim.offsetx, sim.offsety, 0});
         if (!next_grid(&sim, s)) break;
         draw_offset(&sim);
     }
-    if (!CountGridsByRows(a->bw, o->imagewidth, o->left, o->right, o->bottom, o->top, grids.data(), grids.size()))
-        return 0;
+    p->counter = StartRowCount(o->left, o->right, o->bottom, o->top, upward, p->grids.data(), p->grids.size());
+    return p->counter ? p.release() : nullptr;
+}
 
-    if (mode == 1 && a->hooks.started) a->hooks.started(a);
+// Leaves a counted as the steps would: the same results, the generator drawn
+// as far, the last size computed in boxsize.
+int finish_rows(Analysis *a, RowPlan *plan)
+{
+    std::unique_ptr<RowPlan> p(plan);
+    a->black = RowCountDone(p->counter);
+    p->counter = nullptr;
+    const Analysis &sim = p->end;
+    const std::vector<RowGrid> &grids = p->grids;
+    if (a->hooks.started) a->hooks.started(a);
     a->results[0].count = grids[0].count;
     for (size_t i = 1; i < grids.size(); i++)
         if (!append(a->results, a->nresults, a->resultslength, BoxResult{grids[i].size, grids[i].count, 0}))
@@ -279,13 +302,23 @@ int count_by_rows(Analysis *a, int mode)
     a->offsetx = sim.offsetx;
     a->offsety = sim.offsety;
     a->left0 = sim.left0;
-    a->bottom0 = o->top;
+    a->bottom0 = a->opt->top;
     a->noffset = sim.noffset;
     std::copy(sim.rng, sim.rng + 3, a->rng);
     a->cycles = 1;
     a->nboxlist = 0;
     if (a->hooks.finished) a->hooks.finished(a);
     return 1;
+}
+
+int count_by_rows(Analysis *a)
+{
+    if (!a->bw) return 0;
+    RowPlan *p = plan_rows(a, true);
+    if (!p) return 0;
+    const Options *o = a->opt;
+    for (int y = o->bottom; y < o->top; y++) CountRow(p->counter, a->bw + (size_t)y * o->imagewidth + o->left);
+    return finish_rows(a, p);
 }
 
 }  // namespace
@@ -368,6 +401,7 @@ void SetAnalysisImage(Analysis *a, unsigned char *bw, int w, int h)
     if (a->bw != bw) free(a->bw);
     FreeBlackTableOf(&a->table);  // built at the first step that needs it
     a->bw = bw;
+    a->black = 0;
     a->opt->imagewidth = w;
     a->opt->imageheight = h;
 }
@@ -428,16 +462,37 @@ int StepAnalysis(Analysis *a, int mode)
 
 int CountByRows(Analysis *a)
 {
-    return count_by_rows(a, 1);
+    return count_by_rows(a);
 }
 
 int RunAnalysis(Analysis *a)
 {
     if (a->nresults > 0 && a->results[0].size < 1 && a->opt->top > a->opt->bottom) return 0;
-    if (count_by_rows(a, 1)) return !a->failed;
+    if (count_by_rows(a)) return !a->failed;
     while (!StepAnalysis(a, 1)) {
     }
     return !a->failed;
+}
+
+RowPlan *PlanRowCount(Analysis *a, bool upward)
+{
+    return plan_rows(a, upward);
+}
+
+void CountPlannedRow(RowPlan *p, int y, const unsigned char *row)
+{
+    const Options *o = p->end.opt;
+    if (y >= o->bottom && y < o->top) CountRow(p->counter, row + o->left);
+}
+
+int FinishRowPlan(Analysis *a, RowPlan *p)
+{
+    return finish_rows(a, p);
+}
+
+void DropRowPlan(RowPlan *p)
+{
+    delete p;
 }
 
 int AnalysisBlackInRect(const Analysis *a, int x1, int x2, int y1, int y2)

@@ -57,6 +57,7 @@ struct Analysis {
     ExtraOptions ownext;
     unsigned char *bw;   // black/white image, opt->imagewidth x opt->imageheight; 0 black, 255 white
     BlackTable table;    // of bw, when it matches bw; else boxes are tested pixel by pixel
+    long long black;     // black pixels in the region, when counted by rows from an image not held
 
     BoxResult *results;  // one entry per grid, in counting order
     int nresults;
@@ -147,6 +148,20 @@ int RunAnalysis(Analysis *a);
 // image, a region that is empty or outside the image, a start size below 1,
 // or more than 16 million grids.
 int CountByRows(Analysis *a);
+// The same while the image is being read, so that it need never be held:
+// after SetAnalysisImage with a null image (its size only) and a reset,
+// PlanRowCount lists the grids for rows that will come upward (from row 0)
+// or downward (from the top row). Null when the steps must count (as for
+// CountByRows) or memory is short: then keep the image whole. Every image
+// row then goes to CountPlannedRow once, in that order (imagewidth bytes,
+// black below 128; rows outside the region are passed over), and
+// FinishRowPlan leaves the analysis as CountByRows would; DropRowPlan
+// frees a plan whose rows never all came.
+struct RowPlan;
+RowPlan *PlanRowCount(Analysis *a, bool upward);
+void CountPlannedRow(RowPlan *p, int y, const unsigned char *row);
+int FinishRowPlan(Analysis *a, RowPlan *p);
+void DropRowPlan(RowPlan *p);
 // BlackInRect and BlackInRectScan on a's image, region and table.
 int AnalysisBlackInRect(const Analysis *a, int x1, int x2, int y1, int y2);
 int AnalysisBlackInRectScan(const Analysis *a, int x1, int x2, int y1, int y2);

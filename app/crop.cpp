@@ -19,6 +19,7 @@ void clamped(const Options *o, int *l, int *r, int *b, int *t)
 long long BlackPixelsInRegion(const Analysis *a)
 {
     int l, r, b, t;
+    if (!a->bw) return a->black;  // counted as the rows were read
     clamped(a->opt, &l, &r, &b, &t);
     long long n = 0;
     for (int y = b; y < t; y++) {
@@ -30,6 +31,7 @@ long long BlackPixelsInRegion(const Analysis *a)
 
 int CropToBlack(Analysis *a)
 {
+    if (!a->bw) return 0;
     int l, r, b, t;
     clamped(a->opt, &l, &r, &b, &t);
     int x0 = r, x1 = l - 1, y0 = t, y1 = b - 1;

@@ -5,7 +5,7 @@
 #include "app/boxcount.h"
 
 // The number of black pixels of a's image inside its region (clamped to the
-// image).
+// image); for an image counted by rows and not held, as they were counted.
 long long BlackPixelsInRegion(const Analysis *a);
 // Shrinks a's region to the bounding box of the black pixels inside it, as
 // if it had been given with the region switches (useregion is set), so the

@@ -240,7 +240,9 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     }
     const bool wide = bf == VIPS_FORMAT_USHORT;
     const int w = im->Xsize, h = im->Ysize;
-    if (!sink->begin(sink->ctx, turned ? h : w, turned ? w : h, bands * (wide ? 16 : 8))) return DECODE_NOMEMORY;
+    const RowOrder order = turned ? ROWS_ANY_ORDER : upright ? ROWS_UPWARD : ROWS_DOWNWARD;
+    if (!sink->begin(sink->ctx, turned ? h : w, turned ? w : h, bands * (wide ? 16 : 8), order))
+        return DECODE_NOMEMORY;
 
     const Converter to_rgba = converters[wide][bands - 1];
     std::unique_ptr<VipsRegion, Unref> region(vips.region_new(im.get()));

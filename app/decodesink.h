@@ -11,8 +11,12 @@
 // tag turns it a quarter, decoded without holding it whole) column is
 // called once per column x with height pixels, from the bottom up; each
 // in any order.
+// begin also learns the order the rows will come in, so that a sink can
+// use each row as it comes rather than keep the image.
+enum RowOrder { ROWS_ANY_ORDER = 0, ROWS_UPWARD = 1, ROWS_DOWNWARD = 2 };
+
 struct DecodeSink {
-    int (*begin)(void *ctx, int width, int height, int depth);
+    int (*begin)(void *ctx, int width, int height, int depth, RowOrder order);
     void (*row)(void *ctx, int y, const BitmapPixel *px);
     void (*column)(void *ctx, int x, const BitmapPixel *px);
     void *ctx;

@@ -87,7 +87,11 @@ int DecodeGif(const char *name, const void *data, size_t size, const DecodeSink 
     for (int i = 0; map && i < map->ColorCount && i < 256; i++)
         colours[i] = BitmapPixel{map->Colors[i].Red, map->Colors[i].Green, map->Colors[i].Blue, 255};
     if (transparent >= 0 && transparent < 256) colours[transparent] = white;
-    if (!sink->begin(sink->ctx, w, h, transparent >= 0 ? 32 : 24)) return DECODE_NOMEMORY;
+    // Rows come from the top down only when the frame fills the screen and is
+    // not interlaced.
+    const bool in_order = !f.Interlace && f.Top == 0 && f.Height == h;
+    if (!sink->begin(sink->ctx, w, h, transparent >= 0 ? 32 : 24, in_order ? ROWS_DOWNWARD : ROWS_ANY_ORDER))
+        return DECODE_NOMEMORY;
 
     std::vector<BitmapPixel> row((size_t)w, white);
     for (int y = 0; y < h; y++)  // the screen off the frame, above and below it

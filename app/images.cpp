@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "app/boxcount.h"
 #include "app/hugepages.h"
 #include "app/load.h"
 #include "app/options.h"
@@ -128,6 +129,45 @@ int LoadTGA(const char *name)
     return 1;
 }
 
+namespace {
+
+void whole_image_region(void)
+{
+    if (options.useregion) return;
+    options.left = 0;
+    options.right = 100000;
+    options.top = 100000;
+    options.bottom = 0;
+}
+
+// A quiet run that can count by rows counts them as the decoder hands them
+// on, so that the image is never held: once the size is known, the analysis
+// is reset as it would be after the load (twice: the load's reset and the
+// run's own), and its grids planned.
+struct CountWhileReading {
+    RowPlan *plan = nullptr;
+};
+
+int count_begin(void *ctx, int w, int h, bool upward)
+{
+    if (extras.crop) return 0;  // cropping looks at the whole image first
+    Analysis *a = CurrentAnalysis();
+    SetAnalysisImage(a, nullptr, w, h);
+    whole_image_region();
+    BoxCount(0);
+    BoxCount(0);
+    RowPlan *plan = PlanRowCount(a, upward);
+    ((CountWhileReading *)ctx)->plan = plan;
+    return plan != nullptr;
+}
+
+void count_row(void *ctx, int y, const unsigned char *bw)
+{
+    CountPlannedRow(((CountWhileReading *)ctx)->plan, y, bw);
+}
+
+}  // namespace
+
 int LoadBlackWhiteImage(const char *name)
 {
     if (!name_fits(name)) return 0;
@@ -137,7 +177,11 @@ int LoadBlackWhiteImage(const char *name)
     int w, h;
     std::string why;
     LoadInfo info;
-    const LoadStatus status = LoadBlackWhite(name, &options, &extras, &bw, &w, &h, &why, &info);
+    CountWhileReading counting;
+    const BwRowTaker taker = {count_begin, count_row, &counting};
+    const LoadStatus status =
+        LoadBlackWhite(name, &options, &extras, &bw, &w, &h, &why, &info, options.quiet ? &taker : nullptr);
+    if (status != LOAD_OK) DropRowPlan(counting.plan);
     if (status == LOAD_NO_FILE) {
         fprintf(stderr, "Failed to open file \"%s\"\n", name);
         return 0;
@@ -149,16 +193,17 @@ int LoadBlackWhiteImage(const char *name)
         say_failed(status, why);
         return 0;
     }
-    SetAnalysisImage(CurrentAnalysis(), bw, w, h);
     if (name != options.filename) snprintf(options.filename, sizeof options.filename, "%s", name);
+    if (!bw) {  // counted as it was read
+        say_otsu(info.otsu_level);
+        if (!info.has_black) fprintf(stderr, "Warning, image contains no black\n");
+        FinishRowPlan(CurrentAnalysis(), counting.plan);
+        return 2;
+    }
+    SetAnalysisImage(CurrentAnalysis(), bw, w, h);
     say_otsu(info.otsu_level);
     if (!info.has_black) fprintf(stderr, "Warning, image contains no black\n");
-    if (!options.useregion) {
-        options.left = 0;
-        options.right = 100000;
-        options.top = 100000;
-        options.bottom = 0;
-    }
+    whole_image_region();
     BoxCount(0);
     return 1;
 }

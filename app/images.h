@@ -26,8 +26,11 @@ int LoadTGA(const char *name);
 // The quiet run's load: the file straight into bwimage, thresholded as it is
 // decoded (no RGBA image is made), then what UpdateImages does after its
 // threshold: the Otsu level and the no-black warning on standard error, the
-// region reset unless one was given, the box test's table, BoxCount(0).
-// Returns 1, or 0 after writing why to standard error.
+// region reset unless one was given, BoxCount(0). When the analysis can be
+// counted by rows (CountByRows), the rows are counted as they are decoded
+// instead, and the image is never held: the analysis is then finished and
+// bwimage null. Returns 1, 2 when it has counted, or 0 after writing why to
+// standard error.
 int LoadBlackWhiteImage(const char *name);
 // Replaces image by the blank white 400 x 300 "No Image"; exit -1 when it
 // cannot be allocated.

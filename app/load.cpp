@@ -33,7 +33,7 @@ struct Source {
     const char *path = nullptr;  // a regular file (or anything else that seeks)
     unsigned char *data = nullptr;
     size_t size = 0;
-    unsigned char head[16] = {0};
+    unsigned char head[18] = {0};  // enough for a TGA header's descriptor byte
     size_t nhead = 0;
     bool owned = true;  // data is ours to free (not a caller's buffer)
     ~Source()
@@ -123,6 +123,22 @@ struct BwRows {
     std::vector<unsigned char> waiting;  // column k at k * h
     int xs[kColumns] = {};
     int nwaiting = 0;
+    // Rows handed on as they come rather than kept, one at a time in line.
+    const BwRowTaker *taker = nullptr;
+    bool taken = false;
+    std::vector<unsigned char> line;
+
+    bool start(int width, int height, RowOrder order)
+    {
+        if (taker && !otsu && order != ROWS_ANY_ORDER && width > 0 && height > 0 &&
+            taker->begin(taker->ctx, width, height, order == ROWS_UPWARD)) {
+            w = width;
+            h = height;
+            line.resize((size_t)w);
+            return taken = true;
+        }
+        return allocate(width, height);
+    }
 
     bool allocate(int width, int height)
     {
@@ -136,6 +152,7 @@ struct BwRows {
 
     void set_down_columns()
     {
+        if (nwaiting == 0) return;
         for (int y = 0; y < h; y++) {
             unsigned char *row = bw + (size_t)y * w;
             for (int k = 0; k < nwaiting; k++) row[xs[k]] = waiting[(size_t)k * h + y];
@@ -156,7 +173,12 @@ void bw_pixels(BwRows *r, const BitmapPixel *px, unsigned char *out, size_t n)
 void bw_row(void *ctx, int y, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
-    bw_pixels(r, px, r->bw + (size_t)y * r->w, (size_t)r->w);
+    if (r->taken) {
+        bw_pixels(r, px, r->line.data(), r->line.size());
+        r->taker->row(r->taker->ctx, y, r->line.data());
+    } else {
+        bw_pixels(r, px, r->bw + (size_t)y * r->w, (size_t)r->w);
+    }
 }
 
 // A column, for an image turned a quarter: thresholded like a row, and put
@@ -170,9 +192,9 @@ void bw_column(void *ctx, int x, const BitmapPixel *px)
     if (r->nwaiting == BwRows::kColumns) r->set_down_columns();
 }
 
-int bw_begin(void *ctx, int w, int h, int)
+int bw_begin(void *ctx, int w, int h, int, RowOrder order)
 {
-    return ((BwRows *)ctx)->allocate(w, h);
+    return ((BwRows *)ctx)->start(w, h, order);
 }
 
 struct RgbaRows {
@@ -192,7 +214,7 @@ struct RgbaBegin {
     LoadInfo *info;
 };
 
-int rgba_begin(void *ctx, int w, int h, int depth)
+int rgba_begin(void *ctx, int w, int h, int depth, RowOrder)
 {
     RgbaBegin *b = (RgbaBegin *)ctx;
     *b->info = LoadInfo{w, h, depth, 1};
@@ -220,10 +242,11 @@ LoadStatus decoded(int code)
 
 // The black/white image of an opened source, for both entry points below.
 LoadStatus black_white(const Source &s, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
-                       int *h, std::string *why, LoadInfo *info)
+                       int *h, std::string *why, LoadInfo *info, const BwRowTaker *taker)
 {
     LoadStatus status;
     BwRows rows;
+    rows.taker = taker;
     rows.otsu = x->threshold == kThresholdOtsu;
     rows.rule = ThresholdRule{rows.otsu ? kThresholdFixed : x->threshold, o->invert};
     if (DecodeFormatName(s.head, s.nhead)) {
@@ -232,13 +255,16 @@ LoadStatus black_white(const Source &s, const Options *o, const ExtraOptions *x,
         if (status == LOAD_OK) rows.set_down_columns();
         info->width = rows.w;
         info->height = rows.h;
-        info->has_size = rows.bw != nullptr || status == LOAD_NO_MEMORY;
+        info->has_size = rows.bw != nullptr || rows.taken || status == LOAD_NO_MEMORY;
     } else {
         File f(open_stream(s));
         if (!f) return LOAD_NO_FILE;
         TGA_Info(f.get(), &info->width, &info->height, &info->depth);
         info->has_size = 1;
-        if (!rows.allocate(info->width, info->height)) return LOAD_NO_MEMORY;
+        // Rows come upward, or downward when the descriptor says the file is
+        // stored top first.
+        const bool down = s.nhead > 17 && (s.head[17] & 0x20) && info->height >= 2;
+        if (!rows.start(info->width, info->height, down ? ROWS_DOWNWARD : ROWS_UPWARD)) return LOAD_NO_MEMORY;
         int tw, th;
         const int code = TGA_ReadRows(f.get(), &tw, &th, bw_row, &rows);
         status = code == TGA_OK ? LOAD_OK : LOAD_FAILED;
@@ -262,7 +288,7 @@ LoadStatus black_white(const Source &s, const Options *o, const ExtraOptions *x,
 }  // namespace
 
 LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
-                          int *h, std::string *why, LoadInfo *info)
+                          int *h, std::string *why, LoadInfo *info, const BwRowTaker *taker)
 {
     LoadInfo local;
     if (!info) info = &local;
@@ -272,7 +298,7 @@ LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions
     Source s;
     const LoadStatus status = open_source(name, &s, why);
     if (status != LOAD_OK) return status;
-    return black_white(s, o, x, bw, w, h, why, info);
+    return black_white(s, o, x, bw, w, h, why, info, taker);
 }
 
 LoadStatus LoadBlackWhiteData(const void *data, size_t size, const Options *o, const ExtraOptions *x,
@@ -289,7 +315,7 @@ LoadStatus LoadBlackWhiteData(const void *data, size_t size, const Options *o, c
     s.size = size;
     s.nhead = size < sizeof s.head ? size : sizeof s.head;
     if (s.nhead) memcpy(s.head, data, s.nhead);
-    return black_white(s, o, x, bw, w, h, why, info);
+    return black_white(s, o, x, bw, w, h, why, info, nullptr);
 }
 
 std::string LoadErrorText(LoadStatus status, const std::string &file, const std::string &why)

@@ -31,14 +31,28 @@ struct LoadInfo {
     int has_black = 0;    // the black/white image holds a black pixel
 };
 
+// Where the rows of the black/white image can go instead of being kept,
+// when only one pass over them is wanted.
+struct BwRowTaker {
+    // Once the size is known, when the rows will come in order (upward from
+    // row 0, or downward from the top) and are thresholded as they come (not
+    // Otsu): 1 to take them, 0 to have the image kept as usual.
+    int (*begin)(void *ctx, int width, int height, bool upward);
+    // Each row y (width bytes, 0 black, 255 white), once, in that order.
+    void (*row)(void *ctx, int y, const unsigned char *bw);
+    void *ctx;
+};
+
 // Reads name into a malloc'd w x h black/white image *bw (0 black, 255
 // white), black by x->threshold (the fixed rule, Y < N, or Otsu's level) and
 // swapped when o->invert is set. Only the black/white image and a few rows
 // are held (plus the whole file when it comes through a pipe). On failure
 // *bw is null, and *why says what is wrong for a file of another format than
 // TGA or of none (empty for a TGA file, whose failures need no more words).
+// With a taker that takes the rows, *bw stays null and only a few rows
+// are held.
 LoadStatus LoadBlackWhite(const char *name, const Options *o, const ExtraOptions *x, unsigned char **bw, int *w,
-                          int *h, std::string *why, LoadInfo *info = nullptr);
+                          int *h, std::string *why, LoadInfo *info = nullptr, const BwRowTaker *taker = nullptr);
 
 // The same from the size bytes at data (an upload held in memory), which
 // stay the caller's.

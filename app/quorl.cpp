@@ -41,8 +41,11 @@ int main(int argc, char **argv)
 #endif
     }
 
+    int counted = 0;  // a quiet run counts the rows as it reads them, when it can
     if (options.quiet && args.name && *args.name) {
-        if (!LoadBlackWhiteImage(args.name)) exit(-1);  // it has said why
+        const int loaded = LoadBlackWhiteImage(args.name);
+        if (!loaded) exit(-1);  // it has said why
+        counted = loaded == 2;
     } else if (args.name && *args.name) {
         if (!LoadTGA(args.name)) {
             fprintf(stderr, "Creating blank image\n");
@@ -52,11 +55,11 @@ int main(int argc, char **argv)
         MakeTestImage();
     }
     if (!options.quiet || !args.name || !*args.name) UpdateImages();
-    if (extras.crop && CropToBlack(CurrentAnalysis())) {
+    if (!counted && extras.crop && CropToBlack(CurrentAnalysis())) {
         args.left = options.left, args.right = options.right, args.bottom = options.bottom, args.top = options.top;
         BoxCount(0);  // the start size follows the new region, as if it had been given
     }
-    BoxCount(0);
+    if (!counted) BoxCount(0);
 
 #ifdef QUORL_GUI
     if (!options.quiet) RunInteractive();
@@ -70,7 +73,7 @@ int main(int argc, char **argv)
                         "give a start size with -b1\n", results[0].size);
 
     options.processing = 1;
-    if (!CountByRows(CurrentAnalysis()))  // the steps only where rows cannot do it
+    if (!counted && !CountByRows(CurrentAnalysis()))  // the steps only where rows cannot do it
         while (!BoxCount(1)) {
         }
     ExitIfAnalysisFailed(CurrentAnalysis());

@@ -47,6 +47,7 @@ struct RowCounter {
     std::vector<Track> track;
     std::vector<std::vector<uint64_t>> starts;  // of each grid of small boxes: its boxes' first columns
     long long t = 0;                   // rows seen
+    long long black = 0;               // black pixels seen
 };
 
 namespace {
@@ -78,6 +79,14 @@ Span pack(const unsigned char *px, int n, uint64_t *bits)
     while (hi > lo && !bits[hi - 1]) hi--;
     if (lo < hi) s = Span{(uint32_t)lo, (uint32_t)hi};
     return s;
+}
+
+[[gnu::target_clones("popcnt", "default")]]
+long long ones(const uint64_t *bits, Span s)
+{
+    long long n = 0;
+    for (uint32_t w = s.lo; w < s.hi; w++) n += __builtin_popcountll(bits[w]);
+    return n;
 }
 
 uint64_t *slot_bits(RowCounter *c, size_t slot)
@@ -230,6 +239,7 @@ void CountRow(RowCounter *c, const unsigned char *row)
     const long long t = c->t++;
     const size_t s0 = slot_of(c, 0, t);
     c->span[s0] = pack(row, c->width, slot_bits(c, s0));
+    c->black += ones(slot_bits(c, s0), c->span[s0]);
     for (int k = 1; k < c->levels && ((t + 1) & ((1ll << k) - 1)) == 0; k++) {
         const long long b = t >> k;
         const size_t halves[2] = {slot_of(c, k - 1, 2 * b), slot_of(c, k - 1, 2 * b + 1)};
@@ -245,17 +255,9 @@ void CountRow(RowCounter *c, const unsigned char *row)
     }
 }
 
-void RowCountDone(RowCounter *c)
+long long RowCountDone(RowCounter *c)
 {
+    const long long black = c ? c->black : 0;
     delete c;
-}
-
-bool CountGridsByRows(const unsigned char *bw, int w, int left, int right, int bottom, int top, RowGrid *grids,
-                      size_t n)
-{
-    RowCounter *c = StartRowCount(left, right, bottom, top, true, grids, n);
-    if (!c) return false;
-    for (int y = bottom; y < top; y++) CountRow(c, bw + (size_t)y * w + left);
-    RowCountDone(c);
-    return true;
+    return black;
 }

@@ -35,10 +35,7 @@ struct RowCounter;
 // Null when the memory for its rows of bits cannot be had.
 RowCounter *StartRowCount(int left, int right, int bottom, int top, bool upward, RowGrid *grids, size_t n);
 void CountRow(RowCounter *c, const unsigned char *row);
-// Sets every grid's count (once all rows are in) and frees the counter.
-void RowCountDone(RowCounter *c);
+// Sets every grid's count (once all rows are in), frees the counter and
+// returns the number of black pixels in the rows it saw.
+long long RowCountDone(RowCounter *c);
 
-// The whole region of the w-wide black/white image bw, bottom row first.
-// False, counting nothing, when the memory cannot be had.
-bool CountGridsByRows(const unsigned char *bw, int w, int left, int right, int bottom, int top, RowGrid *grids,
-                      size_t n);

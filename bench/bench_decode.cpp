@@ -21,7 +21,7 @@
 namespace {
 
 void ignore(void *, int, const BitmapPixel *) {}
-int accept(void *, int, int, int) { return 1; }
+int accept(void *, int, int, int, RowOrder) { return 1; }
 
 }  // namespace
 

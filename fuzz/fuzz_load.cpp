@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     // Other formats: their size first, from a decode that stops at the header.
     int wh[2] = {0, 0}, w = 0, h = 0;
     std::string why;
-    const DecodeSink probe = {[](void *ctx, int width, int height, int) {
+    const DecodeSink probe = {[](void *ctx, int width, int height, int, RowOrder) {
                                   ((int *)ctx)[0] = width, ((int *)ctx)[1] = height;
                                   return 0;
                               }, nullptr, nullptr, wh};
