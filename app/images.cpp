@@ -8,11 +8,13 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "app/boxcount.h"
 #include "app/hugepages.h"
 #include "app/load.h"
 #include "app/options.h"
+#include "app/rowpipe.h"
 #include "bitmap/resample.h"
 
 BitmapPixel *image = nullptr;
@@ -143,27 +145,41 @@ void whole_image_region(void)
 // A quiet run that can count by rows counts them as the decoder hands them
 // on, so that the image is never held: once the size is known, the analysis
 // is reset as it would be after the load (twice: the load's reset and the
-// run's own), and its grids planned.
+// run's own), and its grids planned. With a second core the rows are
+// counted on a thread of their own while the next ones are decoded.
 struct CountWhileReading {
     RowPlan *plan = nullptr;
+    RowPipe *pipe = nullptr;
+    int width = 0;
 };
+
+void take_row(void *ctx, int y, const unsigned char *bw)
+{
+    CountPlannedRow((RowPlan *)ctx, y, bw);
+}
 
 int count_begin(void *ctx, int w, int h, bool upward)
 {
     if (extras.crop) return 0;  // cropping looks at the whole image first
+    CountWhileReading *c = (CountWhileReading *)ctx;
     Analysis *a = CurrentAnalysis();
     SetAnalysisImage(a, nullptr, w, h);
     whole_image_region();
     BoxCount(0);
     BoxCount(0);
-    RowPlan *plan = PlanRowCount(a, upward);
-    ((CountWhileReading *)ctx)->plan = plan;
-    return plan != nullptr;
+    c->plan = PlanRowCount(a, upward);
+    if (!c->plan) return 0;
+    c->width = w;
+    if (std::thread::hardware_concurrency() > 1) c->pipe = StartRowPipe(w, take_row, c->plan);
+    return 1;
 }
 
 void count_row(void *ctx, int y, const unsigned char *bw)
 {
-    CountPlannedRow(((CountWhileReading *)ctx)->plan, y, bw);
+    CountWhileReading *c = (CountWhileReading *)ctx;
+    if (!c->pipe) return CountPlannedRow(c->plan, y, bw);
+    memcpy(RowPipeRoom(c->pipe), bw, (size_t)c->width);
+    PutRow(c->pipe, y);
 }
 
 }  // namespace
@@ -181,6 +197,7 @@ int LoadBlackWhiteImage(const char *name)
     const BwRowTaker taker = {count_begin, count_row, &counting};
     const LoadStatus status =
         LoadBlackWhite(name, &options, &extras, &bw, &w, &h, &why, &info, options.quiet ? &taker : nullptr);
+    EndRowPipe(counting.pipe);
     if (status != LOAD_OK) DropRowPlan(counting.plan);
     if (status == LOAD_NO_FILE) {
         fprintf(stderr, "Failed to open file \"%s\"\n", name);

@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "app/progress.h"
+#include "app/rowpipe.h"
 #include "app_fixture.h"
 
 using Engine = AppTest;
@@ -201,6 +202,33 @@ TEST_F(Engine, RowsCountAsTheStepsDo)
         FreeAnalysis(rows), FreeAnalysis(steps);
     }
     EXPECT_GT(counted, 300);
+}
+
+// Rows handed to the counting thread arrive whole and in order, the last part-filled batch included, however the
+// two threads keep pace.
+TEST(RowPipe, RowsArriveInOrder)
+{
+    for (int n : {0, 1, 31, 32, 33, 1000}) {
+        std::vector<int> got;
+        bool intact = true;
+        auto ctx = std::make_pair(&got, &intact);
+        RowPipe *p = StartRowPipe(3, [](void *c, int y, const unsigned char *row) {
+            auto *seen = (std::pair<std::vector<int> *, bool *> *)c;
+            seen->first->push_back(y);
+            if (row[0] != (unsigned char)y || row[2] != (unsigned char)(y * 7)) *seen->second = false;
+            if (y % 97 == 0) std::this_thread::yield();  // now and then slower than the reader
+        }, &ctx);
+        ASSERT_TRUE(p);
+        for (int y = 0; y < n; y++) {
+            unsigned char *room = RowPipeRoom(p);
+            room[0] = (unsigned char)y, room[1] = 0, room[2] = (unsigned char)(y * 7);
+            PutRow(p, y);
+        }
+        EndRowPipe(p);
+        std::vector<int> want(n);
+        for (int y = 0; y < n; y++) want[y] = y;
+        EXPECT_TRUE(got == want && intact) << n << " rows";
+    }
 }
 
 TEST_F(Engine, BoxTestAgreesWithThePixels)
