@@ -20,6 +20,9 @@
 #include <vector>
 
 #include <dlfcn.h>
+#ifdef __x86_64__
+#include <immintrin.h>
+#endif
 #include <vips/vips.h>
 
 namespace {
@@ -170,8 +173,60 @@ template <int B, bool WIDE> void convert(const unsigned char *src, int width, Bi
 }
 
 using Converter = void (*)(const unsigned char *, int, BitmapPixel *);
-const Converter converters[2][4] = {{convert<1, false>, convert<2, false>, convert<3, false>, convert<4, false>},
-                                    {convert<1, true>, convert<2, true>, convert<3, true>, convert<4, true>}};
+
+#ifdef __x86_64__
+// Grey and RGB of 8 or 16 bits, the most common rows by far, sixteen bytes
+// at a time with byte shuffles: on a fast decoder this copy was a fifth of a
+// quiet run. Each round takes a few pixels, four per shuffle (the high byte
+// of a 16-bit sample is its second); the pixels left over go to convert.
+template <int B, bool WIDE>
+[[gnu::target("ssse3")]] void convert_ssse3(const unsigned char *src, int width, BitmapPixel *out)
+{
+    static_assert(B == 1 || B == 3, "grey or RGB");
+    constexpr int bytes = B * (WIDE ? 2 : 1);  // per pixel
+    constexpr int step = B == 1 && !WIDE ? 16 : 4;  // pixels per round
+    constexpr int loads = (step * bytes + 15) / 16;
+    // Output byte j of group q is channel j % 4 of the round's pixel
+    // 4 * q + j / 4; alpha (channel 3) comes from the OR.
+    alignas(16) signed char pick[step / 4][loads][16];
+    for (int q = 0; q < step / 4; q++)
+        for (int l = 0; l < loads; l++)
+            for (int j = 0; j < 16; j++) {
+                const int p = 4 * q + j / 4, c = j % 4;
+                const int at = p * bytes + (B == 3 ? c : 0) * (WIDE ? 2 : 1) + (WIDE ? 1 : 0);
+                pick[q][l][j] = (signed char)(c == 3 || at / 16 != l ? -1 : at % 16);
+            }
+    const __m128i alpha = _mm_set1_epi32((int)0xff000000u);
+    int x = 0;
+    // The round's loads read 16 * loads bytes, which may reach past its
+    // pixels but not past the row.
+    for (; (size_t)x * bytes + 16 * loads <= (size_t)width * bytes; x += step) {
+        __m128i in[loads];
+        for (int l = 0; l < loads; l++) in[l] = _mm_loadu_si128((const __m128i *)(src + (size_t)x * bytes + 16 * l));
+        for (int q = 0; q < step / 4; q++) {
+            __m128i v = alpha;
+            for (int l = 0; l < loads; l++)
+                v = _mm_or_si128(v, _mm_shuffle_epi8(in[l], _mm_load_si128((const __m128i *)pick[q][l])));
+            _mm_storeu_si128((__m128i *)(out + x + 4 * q), v);
+        }
+    }
+    convert<B, WIDE>(src + (size_t)x * bytes, width - x, out + x);
+}
+#endif
+
+// The converter for B bands of 8 or (WIDE) 16 bits.
+Converter converter(bool wide, int bands)
+{
+#ifdef __x86_64__
+    if (__builtin_cpu_supports("ssse3") && (bands == 1 || bands == 3)) {
+        if (bands == 1) return wide ? convert_ssse3<1, true> : convert_ssse3<1, false>;
+        return wide ? convert_ssse3<3, true> : convert_ssse3<3, false>;
+    }
+#endif
+    static const Converter plain[2][4] = {{convert<1, false>, convert<2, false>, convert<3, false>, convert<4, false>},
+                                          {convert<1, true>, convert<2, true>, convert<3, true>, convert<4, true>}};
+    return plain[wide][bands - 1];
+}
 
 VipsImage *open_image(const char *name, const void *data, size_t size, VipsAccess access)
 {
@@ -244,7 +299,7 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     if (!sink->begin(sink->ctx, turned ? h : w, turned ? w : h, bands * (wide ? 16 : 8), order))
         return DECODE_NOMEMORY;
 
-    const Converter to_rgba = converters[wide][bands - 1];
+    const Converter to_rgba = converter(wide, bands);
     std::unique_ptr<VipsRegion, Unref> region(vips.region_new(im.get()));
     std::vector<BitmapPixel> row((size_t)w);
     const int strip = std::max(1, std::min(64, (1 << 20) / std::max(1, w)));
