@@ -139,6 +139,11 @@ std::string reason(const char *format)
     for (const char *w : {"truncat", "premature end", "unexpected end", "end of file", "out of data", "short read",
                           "not enough data"})
         if (lower.find(w) != std::string::npos) return kind + " is truncated: it ends before its image data does";
+    // Formats read through ImageMagick (BMP) meet the limits of its system
+    // policy: say so rather than blame the file.
+    if (lower.find("exceeds limit") != std::string::npos || lower.find("resources exhausted") != std::string::npos)
+        return kind + " is larger than ImageMagick, which reads it, may hold under its resource limits "
+                      "(width, height, area or memory in its policy.xml); convert it to PNG or TIFF";
     if (lower.find("unsupported") != std::string::npos || lower.find("not supported") != std::string::npos ||
         lower.find("unknown") != std::string::npos)
         return "unsupported kind of " + std::string(format) + " file (" + text.substr(0, text.find('\n')) + ")";

@@ -166,6 +166,15 @@ for cid, data, word in damaged:
     check(cid, (status, out) == (255, "") and len(lines) == 2 and lines[0] == "   Image read failed"
           and lines[1].startswith("   ") and word.lower() in lines[1].lower(), (status, out, err))
 
+# A BMP wider than ImageMagick's policy allows (16384 pixels in Debian's) is
+# refused as too large, not as damaged.
+with open(path("wide.bmp"), "wb") as f:
+    f.write(b"BM" + struct.pack("<IHHIIiiHHIIiiII", 60054, 0, 0, 54, 40, 20000, 1, 1, 24, 0, 60000, 0, 0, 0, 0))
+    f.write(bytes(60000))
+status, out, err = run(prog, "-q", "-i", path("wide.bmp"))
+check("dmg-1.10 BMP beyond ImageMagick's limits", status == 0 or ("limits" in err and "damaged" not in err),
+      (status, err))
+
 # A TGA header that declares no pixels, ending after its 17th byte, loads as
 # the empty image of the whole 18-byte header does (no-black warning, status 0).
 for n in (17, 18):
