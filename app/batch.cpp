@@ -88,6 +88,25 @@ std::string clock_text(double seconds)
 
 }  // namespace
 
+namespace {
+
+// The record a batch row counts while its image is read.
+struct Ready {
+    const Options *o;
+    const ExtraOptions *x;
+    const char *name;
+    AnalysisPtr a;
+};
+
+Analysis *ready_record(void *ctx, int w, int h)
+{
+    Ready *r = (Ready *)ctx;
+    r->a = PrepareToCount(w, h, r->o, r->x, r->name);
+    return r->a.get();
+}
+
+}  // namespace
+
 BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraOptions *x)
 {
     BatchRow r;
@@ -102,21 +121,33 @@ BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraO
     int w = 0, h = 0;
     std::string why;
     LoadInfo info;
-    const LoadStatus status = LoadBlackWhite(file.c_str(), o, x, &bw, &w, &h, &why, &info);
+    // Counted as the rows are read where it can be, so a batch on every core
+    // holds no images; the cores are busy, so no second thread per image.
+    Ready ready{o, x, file.c_str(), {}};
+    CountAsRead counting{ready_record, &ready, false};
+    const BwRowTaker taker = CountAsReadTaker(&counting);
+    const LoadStatus status = LoadBlackWhite(file.c_str(), o, x, &bw, &w, &h, &why, &info, &taker);
+    const bool counted = CountAsReadDone(&counting, status);
     if (info.has_size) r.width = info.width, r.height = info.height;
     if (status != LOAD_OK) return fail(LoadErrorText(status, file, why));
 
     AnalysisPtr a;
-    int start = 0;
-    switch (PrepareAnalysis(bw, w, h, o, x, file.c_str(), &a, &start)) {
-    case PREPARE_OK: break;
-    case PREPARE_NO_MEMORY: return fail("Failed to create image");
-    case PREPARE_NO_BLACK: return fail("no black pixels in the analysed region");
-    case PREPARE_CANNOT_FINISH:
-        return fail("the start box size is " + std::to_string(start) +
-                    ": the analysis cannot finish; give a start size with -b1");
+    if (counted) {
+        a = std::move(ready.a);
+        if (a->black == 0) return fail("no black pixels in the analysed region");
+        if (a->failed) return fail("Out of memory while counting boxes");
+    } else {
+        int start = 0;
+        switch (PrepareAnalysis(bw, w, h, o, x, file.c_str(), &a, &start)) {
+        case PREPARE_OK: break;
+        case PREPARE_NO_MEMORY: return fail("Failed to create image");
+        case PREPARE_NO_BLACK: return fail("no black pixels in the analysed region");
+        case PREPARE_CANNOT_FINISH:
+            return fail("the start box size is " + std::to_string(start) +
+                        ": the analysis cannot finish; give a start size with -b1");
+        }
+        if (!RunAnalysis(a.get())) return fail("Out of memory while counting boxes");
     }
-    if (!RunAnalysis(a.get())) return fail("Out of memory while counting boxes");
     FitSummary f;
     SummariseFit(a.get(), &f);
     const LineFit &l = f.line;

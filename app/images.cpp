@@ -14,7 +14,7 @@
 #include "app/hugepages.h"
 #include "app/load.h"
 #include "app/options.h"
-#include "app/rowpipe.h"
+#include "app/prepare.h"
 #include "bitmap/resample.h"
 
 BitmapPixel *image = nullptr;
@@ -145,41 +145,17 @@ void whole_image_region(void)
 // A quiet run that can count by rows counts them as the decoder hands them
 // on, so that the image is never held: once the size is known, the analysis
 // is reset as it would be after the load (twice: the load's reset and the
-// run's own), and its grids planned. With a second core the rows are
-// counted on a thread of their own while the next ones are decoded.
-struct CountWhileReading {
-    RowPlan *plan = nullptr;
-    RowPipe *pipe = nullptr;
-    int width = 0;
-};
-
-void take_row(void *ctx, int y, const unsigned char *bw)
+// run's own). With a second core the rows are counted on a thread of their
+// own while the next ones are decoded.
+Analysis *ready_to_count(void *, int w, int h)
 {
-    CountPlannedRow((RowPlan *)ctx, y, bw);
-}
-
-int count_begin(void *ctx, int w, int h, bool upward)
-{
-    if (extras.crop) return 0;  // cropping looks at the whole image first
-    CountWhileReading *c = (CountWhileReading *)ctx;
+    if (extras.crop) return nullptr;  // cropping looks at the whole image first
     Analysis *a = CurrentAnalysis();
     SetAnalysisImage(a, nullptr, w, h);
     whole_image_region();
     BoxCount(0);
     BoxCount(0);
-    c->plan = PlanRowCount(a, upward);
-    if (!c->plan) return 0;
-    c->width = w;
-    if (std::thread::hardware_concurrency() > 1) c->pipe = StartRowPipe(w, take_row, c->plan);
-    return 1;
-}
-
-void count_row(void *ctx, int y, const unsigned char *bw)
-{
-    CountWhileReading *c = (CountWhileReading *)ctx;
-    if (!c->pipe) return CountPlannedRow(c->plan, y, bw);
-    memcpy(RowPipeRoom(c->pipe), bw, (size_t)c->width);
-    PutRow(c->pipe, y);
+    return a;
 }
 
 }  // namespace
@@ -193,12 +169,11 @@ int LoadBlackWhiteImage(const char *name)
     int w, h;
     std::string why;
     LoadInfo info;
-    CountWhileReading counting;
-    const BwRowTaker taker = {count_begin, count_row, &counting};
+    CountAsRead counting{ready_to_count, nullptr, std::thread::hardware_concurrency() > 1};
+    const BwRowTaker taker = CountAsReadTaker(&counting);
     const LoadStatus status =
         LoadBlackWhite(name, &options, &extras, &bw, &w, &h, &why, &info, options.quiet ? &taker : nullptr);
-    EndRowPipe(counting.pipe);
-    if (status != LOAD_OK) DropRowPlan(counting.plan);
+    const int counted = CountAsReadDone(&counting, status);
     if (status == LOAD_NO_FILE) {
         fprintf(stderr, "Failed to open file \"%s\"\n", name);
         return 0;
@@ -211,15 +186,10 @@ int LoadBlackWhiteImage(const char *name)
         return 0;
     }
     if (name != options.filename) snprintf(options.filename, sizeof options.filename, "%s", name);
-    if (!bw) {  // counted as it was read
-        say_otsu(info.otsu_level);
-        if (!info.has_black) fprintf(stderr, "Warning, image contains no black\n");
-        FinishRowPlan(CurrentAnalysis(), counting.plan);
-        return 2;
-    }
-    SetAnalysisImage(CurrentAnalysis(), bw, w, h);
+    if (!counted) SetAnalysisImage(CurrentAnalysis(), bw, w, h);
     say_otsu(info.otsu_level);
     if (!info.has_black) fprintf(stderr, "Warning, image contains no black\n");
+    if (counted) return 2;
     whole_image_region();
     BoxCount(0);
     return 1;

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "app/boxcount.h"
+#include "app/load.h"
 
 // Frees a record when its owner goes out of scope.
 struct AnalysisFree {
@@ -28,3 +29,32 @@ enum PrepareStatus {
 // is empty, and *start is the start size (for PREPARE_CANNOT_FINISH).
 PrepareStatus PrepareAnalysis(unsigned char *bw, int w, int h, const Options *o, const ExtraOptions *x,
                               const char *name, AnalysisPtr *a, int *start);
+
+// The record PrepareAnalysis would make, for a w x h image that is not
+// held, to be counted from its rows as they are read (CountAsRead); null
+// with --crop, which needs the image whole, or without memory.
+AnalysisPtr PrepareToCount(int w, int h, const Options *o, const ExtraOptions *x, const char *name);
+
+struct RowPipe;
+
+// Counting an image's rows as they are read, so that it is never held: pass
+// CountAsReadTaker(&c) to LoadBlackWhite. Once the size is known,
+// ready(ctx, width, height) returns the record that is to count the image,
+// made ready as for PrepareAnalysis but with no image held (SetAnalysisImage
+// with a null image), or null to have the image kept whole instead. Its
+// grids are planned (PlanRowCount); when they can be, the rows are counted
+// as they come, on a second thread when threaded is set.
+struct CountAsRead {
+    Analysis *(*ready)(void *ctx, int width, int height);
+    void *ctx;
+    bool threaded;
+    Analysis *a = nullptr;  // what ready returned
+    RowPlan *plan = nullptr;
+    RowPipe *pipe = nullptr;
+    int width = 0;
+};
+BwRowTaker CountAsReadTaker(CountAsRead *c);
+// After the load, with its status: 1 when the record has been counted from
+// the rows (finished as CountByRows leaves it); 0 when the load failed or
+// kept the image, and then nothing was counted.
+int CountAsReadDone(CountAsRead *c, LoadStatus status);
