@@ -205,14 +205,14 @@ template <int B, bool WIDE>
     int x = 0;
     // The round's loads read 16 * loads bytes, which may reach past its
     // pixels but not past the row.
-    for (; (size_t)x * bytes + 16 * loads <= (size_t)width * bytes; x += step) {
+    for (; (size_t)x * bytes + (size_t)16 * loads <= (size_t)width * bytes; x += step) {
         __m128i in[loads];
-        for (int l = 0; l < loads; l++) in[l] = _mm_loadu_si128((const __m128i *)(src + (size_t)x * bytes + 16 * l));
+        for (int l = 0; l < loads; l++) in[l] = _mm_loadu_si128((const __m128i *)(src + (size_t)x * bytes + (size_t)16 * l));
         for (int q = 0; q < step / 4; q++) {
             __m128i v = alpha;
             for (int l = 0; l < loads; l++)
                 v = _mm_or_si128(v, _mm_shuffle_epi8(in[l], _mm_load_si128((const __m128i *)pick[q][l])));
-            _mm_storeu_si128((__m128i *)(out + x + 4 * q), v);
+            _mm_storeu_si128((__m128i *)(out + x + (size_t)4 * q), v);
         }
     }
     convert<B, WIDE>(src + (size_t)x * bytes, width - x, out + x);

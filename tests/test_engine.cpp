@@ -183,11 +183,11 @@ TEST_F(Engine, RowsCountAsTheStepsDo)
         for (Analysis *a : {rows, steps}) ResetAnalysis(a), ResetAnalysis(a);
         if (rows->results[0].size >= 1) {  // a start size of 0 never finishes
             if (n % 2) {  // rows handed on from the top down as they are decoded, the image never held
-                const std::vector<unsigned char> image(rows->bw, rows->bw + (size_t)w * h);
+                const std::vector<unsigned char> pixels(rows->bw, rows->bw + (size_t)w * h);
                 SetAnalysisImage(rows, nullptr, w, h);
                 RowPlan *p = PlanRowCount(rows, false);
                 ASSERT_TRUE(p);
-                for (int y = h - 1; y >= 0; y--) CountPlannedRow(p, y, image.data() + (size_t)y * w);
+                for (int y = h - 1; y >= 0; y--) CountPlannedRow(p, y, pixels.data() + (size_t)y * w);
                 FinishRowPlan(rows, p);
             } else {
                 ASSERT_TRUE(CountByRows(rows));
