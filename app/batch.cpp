@@ -88,25 +88,6 @@ std::string clock_text(double seconds)
 
 }  // namespace
 
-namespace {
-
-// The record a batch row counts while its image is read.
-struct Ready {
-    const Options *o;
-    const ExtraOptions *x;
-    const char *name;
-    AnalysisPtr a;
-};
-
-Analysis *ready_record(void *ctx, int w, int h)
-{
-    Ready *r = (Ready *)ctx;
-    r->a = PrepareToCount(w, h, r->o, r->x, r->name);
-    return r->a.get();
-}
-
-}  // namespace
-
 BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraOptions *x)
 {
     BatchRow r;
@@ -123,8 +104,8 @@ BatchRow AnalyseForBatch(const std::string &file, const Options *o, const ExtraO
     LoadInfo info;
     // Counted as the rows are read where it can be, so a batch on every core
     // holds no images; the cores are busy, so no second thread per image.
-    Ready ready{o, x, file.c_str(), {}};
-    CountAsRead counting{ready_record, &ready, false};
+    PreparedCount ready{o, x, file.c_str(), {}};
+    CountAsRead counting{ReadyPrepared, &ready, false};
     const BwRowTaker taker = CountAsReadTaker(&counting);
     const LoadStatus status = LoadBlackWhite(file.c_str(), o, x, &bw, &w, &h, &why, &info, &taker);
     const bool counted = CountAsReadDone(&counting, status);

@@ -84,6 +84,13 @@ AnalysisPtr PrepareToCount(int w, int h, const Options *o, const ExtraOptions *x
     return made;
 }
 
+Analysis *ReadyPrepared(void *ctx, int w, int h)
+{
+    PreparedCount *p = (PreparedCount *)ctx;
+    p->a = PrepareToCount(w, h, p->o, p->x, p->name);
+    return p->a.get();
+}
+
 BwRowTaker CountAsReadTaker(CountAsRead *c)
 {
     return BwRowTaker{count_begin, count_row, c};

@@ -35,6 +35,16 @@ PrepareStatus PrepareAnalysis(unsigned char *bw, int w, int h, const Options *o,
 // with --crop, which needs the image whole, or without memory.
 AnalysisPtr PrepareToCount(int w, int h, const Options *o, const ExtraOptions *x, const char *name);
 
+// For CountAsRead.ready, with ctx a PreparedCount: the record made by
+// PrepareToCount, kept in a.
+struct PreparedCount {
+    const Options *o;
+    const ExtraOptions *x;
+    const char *name;
+    AnalysisPtr a;
+};
+Analysis *ReadyPrepared(void *ctx, int width, int height);
+
 struct RowPipe;
 
 // Counting an image's rows as they are read, so that it is never held: pass

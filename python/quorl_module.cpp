@@ -283,6 +283,22 @@ struct Outcome {
 // The steps of a quiet run (and of a batch row) on the w x h black/white
 // image bw, which the analysis takes over: the image and the region, a
 // reset, the crop and another reset, one more reset, then the analysis.
+// The report of a record that has been counted, or why there is none.
+Outcome report_of(Analysis *a)
+{
+    Outcome out;
+    if (a->failed) {
+        out.status = Outcome::NO_MEMORY;
+        return out;
+    }
+    FitSummary f;
+    SummariseFit(a, &f);
+    out.text = JsonReport(a, &f);
+    return out;
+}
+
+const char *const no_black = "there are no black pixels in the analysed region";
+
 Outcome analyse_bw(unsigned char *bw, int w, int h, const Settings &s, const char *name)
 {
     Outcome out;
@@ -293,7 +309,7 @@ Outcome analyse_bw(unsigned char *bw, int w, int h, const Settings &s, const cha
     case PREPARE_NO_MEMORY: out.status = Outcome::NO_MEMORY; return out;
     case PREPARE_NO_BLACK:
         out.status = Outcome::BAD_INPUT;
-        out.text = "there are no black pixels in the analysed region";
+        out.text = no_black;
         return out;
     case PREPARE_CANNOT_FINISH:
         out.status = Outcome::BAD_INPUT;
@@ -305,10 +321,7 @@ Outcome analyse_bw(unsigned char *bw, int w, int h, const Settings &s, const cha
         out.status = Outcome::NO_MEMORY;
         return out;
     }
-    FitSummary f;
-    SummariseFit(a.get(), &f);
-    out.text = JsonReport(a.get(), &f);
-    return out;
+    return report_of(a.get());
 }
 
 py::dict analyse(py::handle image, const Keywords &k)
@@ -340,9 +353,17 @@ py::dict analyse(py::handle image, const Keywords &k)
             unsigned char *bw;
             int w, h;
             errno = 0;
-            status = LoadBlackWhite(n.path.c_str(), &s.o, &s.x, &bw, &w, &h, &why);
+            // Counted as the rows are read where it can be: the image is never held.
+            PreparedCount ready{&s.o, &s.x, n.shown.c_str(), {}};
+            CountAsRead counting{ReadyPrepared, &ready, false};
+            const BwRowTaker taker = CountAsReadTaker(&counting);
+            status = LoadBlackWhite(n.path.c_str(), &s.o, &s.x, &bw, &w, &h, &why, nullptr, &taker);
             err = errno;
-            if (status == LOAD_OK) out = analyse_bw(bw, w, h, s, n.shown.c_str());
+            if (CountAsReadDone(&counting, status)) {
+                out = ready.a->black == 0 ? Outcome{Outcome::BAD_INPUT, no_black} : report_of(ready.a.get());
+            } else if (status == LOAD_OK) {
+                out = analyse_bw(bw, w, h, s, n.shown.c_str());
+            }
         }
         if (status != LOAD_OK) raise_load_error(status, err, n, why);
     } else {
