@@ -253,6 +253,7 @@ struct RowPlan {
     std::vector<RowGrid> grids;
     Analysis end;
     RowCounter *counter = nullptr;
+    bool columns = false;  // the lines fed are the image's columns
     ~RowPlan() { RowCountDone(counter); }
 };
 
@@ -262,7 +263,7 @@ namespace {
 // hooks that want every grid as it ends, an empty region or one outside the
 // image, a start size below 1 (which never finishes), more grids than
 // kRowCountGrids, or no memory.
-RowPlan *plan_rows(Analysis *a, bool upward)
+RowPlan *plan_rows(Analysis *a, bool ascending, bool columns)
 {
     const Options *o = a->opt;
     if (a->cycles != 0 || a->failed || a->ext->offsets_all || a->hooks.grid_done || a->hooks.between)
@@ -280,7 +281,15 @@ RowPlan *plan_rows(Analysis *a, bool upward)
         if (!next_grid(&sim, s)) break;
         draw_offset(&sim);
     }
-    p->counter = StartRowCount(o->left, o->right, o->bottom, o->top, upward, p->grids.data(), p->grids.size());
+    // Columns are counted as the rows of the image turned about its
+    // diagonal: the same boxes, with x and y (and their offsets) swapped.
+    p->columns = columns;
+    if (columns) {
+        for (RowGrid &g : p->grids) std::swap(g.offsetx, g.offsety);
+        p->counter = StartRowCount(o->bottom, o->top, o->left, o->right, ascending, p->grids.data(), p->grids.size());
+    } else {
+        p->counter = StartRowCount(o->left, o->right, o->bottom, o->top, ascending, p->grids.data(), p->grids.size());
+    }
     return p->counter ? p.release() : nullptr;
 }
 
@@ -314,7 +323,7 @@ int finish_rows(Analysis *a, RowPlan *plan)
 int count_by_rows(Analysis *a)
 {
     if (!a->bw) return 0;
-    RowPlan *p = plan_rows(a, true);
+    RowPlan *p = plan_rows(a, true, false);
     if (!p) return 0;
     const Options *o = a->opt;
     for (int y = o->bottom; y < o->top; y++) CountRow(p->counter, a->bw + (size_t)y * o->imagewidth + o->left);
@@ -474,15 +483,19 @@ int RunAnalysis(Analysis *a)
     return !a->failed;
 }
 
-RowPlan *PlanRowCount(Analysis *a, bool upward)
+RowPlan *PlanRowCount(Analysis *a, bool ascending, bool columns)
 {
-    return plan_rows(a, upward);
+    return plan_rows(a, ascending, columns);
 }
 
 void CountPlannedRow(RowPlan *p, int y, const unsigned char *row)
 {
     const Options *o = p->end.opt;
-    if (y >= o->bottom && y < o->top) CountRow(p->counter, row + o->left);
+    if (p->columns) {
+        if (y >= o->left && y < o->right) CountRow(p->counter, row + o->bottom);
+    } else if (y >= o->bottom && y < o->top) {
+        CountRow(p->counter, row + o->left);
+    }
 }
 
 int FinishRowPlan(Analysis *a, RowPlan *p)

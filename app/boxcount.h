@@ -150,16 +150,18 @@ int RunAnalysis(Analysis *a);
 int CountByRows(Analysis *a);
 // The same while the image is being read, so that it need never be held:
 // after SetAnalysisImage with a null image (its size only) and a reset,
-// PlanRowCount lists the grids for rows that will come upward (from row 0)
-// or downward (from the top row). Null when the steps must count (as for
-// CountByRows) or memory is short: then keep the image whole. Every image
-// row then goes to CountPlannedRow once, in that order (imagewidth bytes,
-// black below 128; rows outside the region are passed over), and
-// FinishRowPlan leaves the analysis as CountByRows would; DropRowPlan
-// frees a plan whose rows never all came.
+// PlanRowCount lists the grids for rows that will come upward (ascending,
+// from row 0) or downward (from the top row), or for columns (columns set)
+// that will come from the left or from the right. Null when the steps must
+// count (as for CountByRows) or memory is short: then keep the image whole.
+// Every row y (imagewidth bytes, black below 128) or column x (imageheight
+// bytes, bottom up) then goes to CountPlannedRow once, in that order (those
+// outside the region are passed over), and FinishRowPlan leaves the
+// analysis as CountByRows would; DropRowPlan frees a plan whose rows never
+// all came.
 struct RowPlan;
-RowPlan *PlanRowCount(Analysis *a, bool upward);
-void CountPlannedRow(RowPlan *p, int y, const unsigned char *row);
+RowPlan *PlanRowCount(Analysis *a, bool ascending, bool columns);
+void CountPlannedRow(RowPlan *p, int line, const unsigned char *pixels);
 int FinishRowPlan(Analysis *a, RowPlan *p);
 void DropRowPlan(RowPlan *p);
 // BlackInRect and BlackInRectScan on a's image, region and table.

@@ -300,7 +300,8 @@ int DecodeImage(const char *name, const void *data, size_t size, const DecodeSin
     }
     const bool wide = bf == VIPS_FORMAT_USHORT;
     const int w = im->Xsize, h = im->Ysize;
-    const RowOrder order = turned ? ROWS_ANY_ORDER : upright ? ROWS_UPWARD : ROWS_DOWNWARD;
+    const RowOrder order = turned ? (upright ? COLUMNS_RIGHTWARD : COLUMNS_LEFTWARD)
+                                  : (upright ? ROWS_UPWARD : ROWS_DOWNWARD);
     if (!sink->begin(sink->ctx, turned ? h : w, turned ? w : h, bands * (wide ? 16 : 8), order))
         return DECODE_NOMEMORY;
 

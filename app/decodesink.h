@@ -11,9 +11,15 @@
 // tag turns it a quarter, decoded without holding it whole) column is
 // called once per column x with height pixels, from the bottom up; each
 // in any order.
-// begin also learns the order the rows will come in, so that a sink can
-// use each row as it comes rather than keep the image.
-enum RowOrder { ROWS_ANY_ORDER = 0, ROWS_UPWARD = 1, ROWS_DOWNWARD = 2 };
+// begin also learns the order the rows (or columns) will come in, so that
+// a sink can use each as it comes rather than keep the image.
+enum RowOrder {
+    ROWS_ANY_ORDER = 0,
+    ROWS_UPWARD = 1,        // from row 0
+    ROWS_DOWNWARD = 2,      // from the top row
+    COLUMNS_RIGHTWARD = 3,  // from column 0
+    COLUMNS_LEFTWARD = 4    // from the last column
+};
 
 struct DecodeSink {
     int (*begin)(void *ctx, int width, int height, int depth, RowOrder order);

@@ -130,11 +130,12 @@ struct BwRows {
 
     bool start(int width, int height, RowOrder order)
     {
+        const bool columns = order == COLUMNS_RIGHTWARD || order == COLUMNS_LEFTWARD;
         if (taker && !otsu && order != ROWS_ANY_ORDER && width > 0 && height > 0 &&
-            taker->begin(taker->ctx, width, height, order == ROWS_UPWARD)) {
+            taker->begin(taker->ctx, width, height, order == ROWS_UPWARD || order == COLUMNS_RIGHTWARD, columns)) {
             w = width;
             h = height;
-            line.resize((size_t)w);
+            line.resize((size_t)(columns ? h : w));
             return taken = true;
         }
         return allocate(width, height);
@@ -182,10 +183,15 @@ void bw_row(void *ctx, int y, const BitmapPixel *px)
 }
 
 // A column, for an image turned a quarter: thresholded like a row, and put
-// with the columns waiting to be set down.
+// with the columns waiting to be set down (or handed on).
 void bw_column(void *ctx, int x, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
+    if (r->taken) {
+        bw_pixels(r, px, r->line.data(), r->line.size());
+        r->taker->row(r->taker->ctx, x, r->line.data());
+        return;
+    }
     r->waiting.resize((size_t)r->h * BwRows::kColumns);
     bw_pixels(r, px, r->waiting.data() + (size_t)r->nwaiting * r->h, (size_t)r->h);
     r->xs[r->nwaiting++] = x;

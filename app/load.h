@@ -34,12 +34,15 @@ struct LoadInfo {
 // Where the rows of the black/white image can go instead of being kept,
 // when only one pass over them is wanted.
 struct BwRowTaker {
-    // Once the size is known, when the rows will come in order (upward from
-    // row 0, or downward from the top) and are thresholded as they come (not
-    // Otsu): 1 to take them, 0 to have the image kept as usual.
-    int (*begin)(void *ctx, int width, int height, bool upward);
-    // Each row y (width bytes, 0 black, 255 white), once, in that order.
-    void (*row)(void *ctx, int y, const unsigned char *bw);
+    // Once the size is known, when the rows will come in order (ascending:
+    // upward from row 0, else downward from the top) and are thresholded as
+    // they come (not Otsu): 1 to take them, 0 to have the image kept as
+    // usual. An image turned a quarter by its orientation tag comes by
+    // columns instead (columns set; ascending: from column 0).
+    int (*begin)(void *ctx, int width, int height, bool ascending, bool columns);
+    // Each row y (width bytes, 0 black, 255 white), or each column (height
+    // bytes, bottom up), once, in that order.
+    void (*row)(void *ctx, int line, const unsigned char *bw);
     void *ctx;
 };
 

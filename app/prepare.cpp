@@ -15,15 +15,15 @@ void take_row(void *ctx, int y, const unsigned char *bw)
     CountPlannedRow((RowPlan *)ctx, y, bw);
 }
 
-int count_begin(void *ctx, int w, int h, bool upward)
+int count_begin(void *ctx, int w, int h, bool ascending, bool columns)
 {
     CountAsRead *c = (CountAsRead *)ctx;
     c->a = c->ready(c->ctx, w, h);
     if (!c->a) return 0;
-    c->plan = PlanRowCount(c->a, upward);
+    c->plan = PlanRowCount(c->a, ascending, columns);
     if (!c->plan) return 0;
-    c->width = w;
-    if (c->threaded) c->pipe = StartRowPipe(w, take_row, c->plan);
+    c->width = columns ? h : w;  // bytes a line
+    if (c->threaded) c->pipe = StartRowPipe(c->width, take_row, c->plan);
     return 1;
 }
 

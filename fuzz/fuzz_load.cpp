@@ -49,8 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (LoadBlackWhite(name.c_str(), &o, &x, &bw, &w, &h, &why) == LOAD_OK) free(bw);
     // And as a quiet run that counts rows as they come takes them.
     x.threshold = 128;
-    const BwRowTaker taker = {[](void *, int, int, bool) { return 1; }, [](void *, int, const unsigned char *) {},
-                              nullptr};
+    const BwRowTaker taker = {[](void *, int, int, bool, bool) { return 1; },
+                              [](void *, int, const unsigned char *) {}, nullptr};
     if (LoadBlackWhite(name.c_str(), &o, &x, &bw, &w, &h, &why, nullptr, &taker) == LOAD_OK) free(bw);
     close(fd);
     return 0;

@@ -159,7 +159,7 @@ TEST_F(Engine, IndependentAnalysesMatchTheProgramsOwn)
 }
 
 // A count of every grid in one pass over the rows gives what the steps give box by box, and leaves the record as
-// they leave it (so the next reset draws the same offset), also when rows come from the top down as they are read.
+// they leave it (so the next reset draws the same offset), also when rows (from the top) or columns come as they are read.
 TEST_F(Engine, RowsCountAsTheStepsDo)
 {
     std::mt19937 rng(31);
@@ -182,12 +182,18 @@ TEST_F(Engine, RowsCountAsTheStepsDo)
         steps->hooks.between = [](const Analysis *) {};  // wants every grid as it ends: counted by steps
         for (Analysis *a : {rows, steps}) ResetAnalysis(a), ResetAnalysis(a);
         if (rows->results[0].size >= 1) {  // a start size of 0 never finishes
-            if (n % 2) {  // rows handed on from the top down as they are decoded, the image never held
+            if (n % 3) {  // handed on as decoded, the image never held: rows from the top, or columns
                 const std::vector<unsigned char> pixels(rows->bw, rows->bw + (size_t)w * h);
                 SetAnalysisImage(rows, nullptr, w, h);
-                RowPlan *p = PlanRowCount(rows, false);
+                const bool columns = n % 3 == 2, ascending = columns && n % 2;
+                RowPlan *p = PlanRowCount(rows, ascending, columns);
                 ASSERT_TRUE(p);
-                for (int y = h - 1; y >= 0; y--) CountPlannedRow(p, y, pixels.data() + (size_t)y * w);
+                std::vector<unsigned char> column(h);
+                for (int i = 0; i < (columns ? w : h); i++) {
+                    const int line = ascending ? i : (columns ? w : h) - 1 - i;
+                    for (int y = 0; columns && y < h; y++) column[y] = pixels[(size_t)y * w + line];
+                    CountPlannedRow(p, line, columns ? column.data() : pixels.data() + (size_t)line * w);
+                }
                 FinishRowPlan(rows, p);
             } else {
                 ASSERT_TRUE(CountByRows(rows));
