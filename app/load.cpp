@@ -123,7 +123,8 @@ struct BwRows {
     std::vector<unsigned char> waiting;  // column k at k * h
     int xs[kColumns] = {};
     int nwaiting = 0;
-    // Rows handed on as they come rather than kept, one at a time in line.
+    // Rows (or columns) handed on as they come rather than kept, each
+    // thresholded into line first.
     const BwRowTaker *taker = nullptr;
     bool taken = false;
     std::vector<unsigned char> line;
@@ -171,15 +172,17 @@ void bw_pixels(BwRows *r, const BitmapPixel *px, unsigned char *out, size_t n)
         r->all &= ThresholdPixels(px, out, n, r->rule);
 }
 
+void hand_on(BwRows *r, int index, const BitmapPixel *px)
+{
+    bw_pixels(r, px, r->line.data(), r->line.size());
+    r->taker->row(r->taker->ctx, index, r->line.data());
+}
+
 void bw_row(void *ctx, int y, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
-    if (r->taken) {
-        bw_pixels(r, px, r->line.data(), r->line.size());
-        r->taker->row(r->taker->ctx, y, r->line.data());
-    } else {
-        bw_pixels(r, px, r->bw + (size_t)y * r->w, (size_t)r->w);
-    }
+    if (r->taken) return hand_on(r, y, px);
+    bw_pixels(r, px, r->bw + (size_t)y * r->w, (size_t)r->w);
 }
 
 // A column, for an image turned a quarter: thresholded like a row, and put
@@ -187,11 +190,7 @@ void bw_row(void *ctx, int y, const BitmapPixel *px)
 void bw_column(void *ctx, int x, const BitmapPixel *px)
 {
     BwRows *r = (BwRows *)ctx;
-    if (r->taken) {
-        bw_pixels(r, px, r->line.data(), r->line.size());
-        r->taker->row(r->taker->ctx, x, r->line.data());
-        return;
-    }
+    if (r->taken) return hand_on(r, x, px);
     r->waiting.resize((size_t)r->h * BwRows::kColumns);
     bw_pixels(r, px, r->waiting.data() + (size_t)r->nwaiting * r->h, (size_t)r->h);
     r->xs[r->nwaiting++] = x;
