@@ -488,13 +488,13 @@ RowPlan *PlanRowCount(Analysis *a, bool ascending, bool columns)
     return plan_rows(a, ascending, columns);
 }
 
-void CountPlannedRow(RowPlan *p, int y, const unsigned char *row)
+void CountPlannedRow(RowPlan *p, int line, const unsigned char *pixels)
 {
     const Options *o = p->end.opt;
     if (p->columns) {
-        if (y >= o->left && y < o->right) CountRow(p->counter, row + o->bottom);
-    } else if (y >= o->bottom && y < o->top) {
-        CountRow(p->counter, row + o->left);
+        if (line >= o->left && line < o->right) CountRow(p->counter, pixels + o->bottom);
+    } else if (line >= o->bottom && line < o->top) {
+        CountRow(p->counter, pixels + o->left);
     }
 }
 

@@ -84,10 +84,10 @@ AnalysisPtr PrepareToCount(int w, int h, const Options *o, const ExtraOptions *x
     return made;
 }
 
-Analysis *ReadyPrepared(void *ctx, int w, int h)
+Analysis *ReadyPrepared(void *ctx, int width, int height)
 {
     PreparedCount *p = (PreparedCount *)ctx;
-    p->a = PrepareToCount(w, h, p->o, p->x, p->name);
+    p->a = PrepareToCount(width, height, p->o, p->x, p->name);
     return p->a.get();
 }
 
