@@ -1,4 +1,5 @@
-// app/prepare.cpp - an analysis record made ready for one image.
+// app/prepare.cpp - an analysis record made ready for one image, and counted
+// as the image is read where it can be.
 #include "app/prepare.h"
 
 #include <cstdio>
@@ -35,9 +36,6 @@ void count_row(void *ctx, int y, const unsigned char *bw)
     PutRow(c->pipe, y);
 }
 
-}  // namespace
-
-namespace {
 
 // A record with the settings o and x, named, over the whole image unless a
 // region was given.

@@ -3,6 +3,9 @@
 // image, a reset, the crop to the black pixels and another reset, one more
 // reset. Batch rows, the server and the Python module all start here, so
 // with the same seed they give the quiet run's numbers to the last digit.
+// Where the rows can be counted as they are read, the quiet run, batch rows
+// and the module's file analyses do that instead (CountAsRead), and the
+// image is never held.
 #pragma once
 
 #include <memory>
@@ -35,16 +38,6 @@ PrepareStatus PrepareAnalysis(unsigned char *bw, int w, int h, const Options *o,
 // with --crop, which needs the image whole, or without memory.
 AnalysisPtr PrepareToCount(int w, int h, const Options *o, const ExtraOptions *x, const char *name);
 
-// For CountAsRead.ready, with ctx a PreparedCount: the record made by
-// PrepareToCount, kept in a.
-struct PreparedCount {
-    const Options *o;
-    const ExtraOptions *x;
-    const char *name;
-    AnalysisPtr a;
-};
-Analysis *ReadyPrepared(void *ctx, int width, int height);
-
 struct RowPipe;
 
 // Counting an image's rows as they are read, so that it is never held: pass
@@ -68,3 +61,13 @@ BwRowTaker CountAsReadTaker(CountAsRead *c);
 // the rows (finished as CountByRows leaves it); 0 when the load failed or
 // kept the image, and then nothing was counted.
 int CountAsReadDone(CountAsRead *c, LoadStatus status);
+
+// For CountAsRead.ready, with ctx a PreparedCount: the record made by
+// PrepareToCount, kept in a.
+struct PreparedCount {
+    const Options *o;
+    const ExtraOptions *x;
+    const char *name;
+    AnalysisPtr a;
+};
+Analysis *ReadyPrepared(void *ctx, int width, int height);
