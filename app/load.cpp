@@ -174,8 +174,10 @@ void bw_pixels(BwRows *r, const BitmapPixel *px, unsigned char *out, size_t n)
 
 void hand_on(BwRows *r, int index, const BitmapPixel *px)
 {
-    bw_pixels(r, px, r->line.data(), r->line.size());
-    r->taker->row(r->taker->ctx, index, r->line.data());
+    unsigned char *room = r->taker->room ? r->taker->room(r->taker->ctx) : nullptr;
+    if (!room) room = r->line.data();
+    bw_pixels(r, px, room, r->line.size());
+    r->taker->row(r->taker->ctx, index, room);
 }
 
 void bw_row(void *ctx, int y, const BitmapPixel *px)

@@ -44,6 +44,10 @@ struct BwRowTaker {
     // bytes, bottom up), once, in that order.
     void (*row)(void *ctx, int line, const unsigned char *bw);
     void *ctx;
+    // Where the next row is to be thresholded into, so that row gets it in
+    // place rather than a copy; null (or no room) for a buffer of the
+    // loader's own.
+    unsigned char *(*room)(void *ctx) = nullptr;
 };
 
 // Reads name into a malloc'd w x h black/white image *bw (0 black, 255

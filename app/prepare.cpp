@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 #include "app/crop.h"
 #include "app/rowpipe.h"
@@ -23,17 +22,24 @@ int count_begin(void *ctx, int w, int h, bool ascending, bool columns)
     if (!c->a) return 0;
     c->plan = PlanRowCount(c->a, ascending, columns);
     if (!c->plan) return 0;
-    c->width = columns ? h : w;  // bytes a line
-    if (c->threaded) c->pipe = StartRowPipe(c->width, take_row, c->plan);
+    if (c->threaded) c->pipe = StartRowPipe(columns ? h : w, take_row, c->plan);
     return 1;
+}
+
+// With the pipe, rows are thresholded straight into its room.
+unsigned char *count_room(void *ctx)
+{
+    const CountAsRead *c = (const CountAsRead *)ctx;
+    return c->pipe ? RowPipeRoom(c->pipe) : nullptr;
 }
 
 void count_row(void *ctx, int y, const unsigned char *bw)
 {
     CountAsRead *c = (CountAsRead *)ctx;
-    if (!c->pipe) return CountPlannedRow(c->plan, y, bw);
-    memcpy(RowPipeRoom(c->pipe), bw, (size_t)c->width);
-    PutRow(c->pipe, y);
+    if (c->pipe)
+        PutRow(c->pipe, y);  // bw is its room
+    else
+        CountPlannedRow(c->plan, y, bw);
 }
 
 
@@ -91,7 +97,7 @@ Analysis *ReadyPrepared(void *ctx, int width, int height)
 
 BwRowTaker CountAsReadTaker(CountAsRead *c)
 {
-    return BwRowTaker{count_begin, count_row, c};
+    return BwRowTaker{count_begin, count_row, c, count_room};
 }
 
 int CountAsReadDone(CountAsRead *c, LoadStatus status)

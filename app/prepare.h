@@ -54,7 +54,6 @@ struct CountAsRead {
     Analysis *a = nullptr;  // what ready returned
     RowPlan *plan = nullptr;
     RowPipe *pipe = nullptr;
-    int width = 0;  // bytes a row (or column) handed on
 };
 BwRowTaker CountAsReadTaker(CountAsRead *c);
 // After the load, with its status: 1 when the record has been counted from
